@@ -1,0 +1,139 @@
+#include "base/ZString.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <stdexcept>
+
+namespace {
+
+ZString z(const char* utf8) { return ZString::fromUtf8(utf8); }
+
+TEST(ZString, Utf8RoundTripKeepsEveryPlane)
+{
+    // A, e-acute, euro sign, G clef (outside the Basic Multilingual Plane).
+    const std::string text = "A\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E";
+    const ZString s = z(text.c_str());
+    ASSERT_EQ(s.length(), 5);
+    EXPECT_EQ(s.getAt(0), ZChar('A'));
+    EXPECT_EQ(s.getAt(1), ZChar(0xE9));
+    EXPECT_EQ(s.getAt(2), ZChar(0x20AC));
+    EXPECT_EQ(s.getAt(3), ZChar(0xD834));
+    EXPECT_EQ(s.getAt(4), ZChar(0xDD1E));
+    EXPECT_EQ(s.toUtf8(), text);
+}
+
+TEST(ZString, MalformedUtf8AndLoneSurrogatesBecomeReplacementCharacters)
+{
+    const ZString truncated = z("ab\xE2\x82");
+    EXPECT_EQ(truncated.toUtf8(), "ab\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(z("\xC0\xAF").getAt(0), ZChar(0xFFFD)) << "overlong form";
+    EXPECT_EQ(z("\xED\xA0\x80").getAt(0), ZChar(0xFFFD)) << "encoded surrogate";
+    EXPECT_EQ(z("\xF4\x90\x80\x80").getAt(0), ZChar(0xFFFD)) << "beyond U+10FFFF";
+
+    ZString lone;
+    lone.append(ZChar(0xD800)).append(ZChar('x'));
+    EXPECT_EQ(lone.toUtf8(), "\xEF\xBF\xBDx");
+}
+
+TEST(ZString, GetAtOutsideTheStringThrowsWithTheFixedMessage)
+{
+    const ZString s = z("abc");
+    EXPECT_EQ(s.getAt(2), ZChar('c'));
+    for (int bad : {-1, 3, INT_MAX}) {
+        try {
+            s.getAt(bad);
+            ADD_FAILURE() << "no exception for index " << bad;
+        } catch (const std::out_of_range& e) {
+            EXPECT_STREQ(e.what(), "ZString::getAt(int): Index out of range");
+        }
+    }
+    EXPECT_THROW(ZString().getAt(0), std::out_of_range);
+}
+
+TEST(ZString, ComparesByUnitOrWithoutCase)
+{
+    EXPECT_LT(z("B").compare(z("a")), 0);
+    EXPECT_EQ(z("abc").compare(z("abc")), 0);
+    EXPECT_GT(z("abcd").compare(z("abc")), 0);
+    EXPECT_EQ(z("Screen").compareNoCase(z("sCREEN")), 0);
+    EXPECT_TRUE(z("\xC3\x84RGER").equalsNoCase(z("\xC3\xA4rger")));      // A-umlaut
+    EXPECT_TRUE(z("\xD0\x9F\xD0\xA0\xD0\x98").equalsNoCase(z("\xD0\xBF\xD1\x80\xD0\xB8"))); // Cyrillic
+    EXPECT_LT(z("abc").compareNoCase(z("ABCD")), 0);
+    EXPECT_NE(z("Screen"), z("screen"));
+}
+
+TEST(ZString, FindSubstringAndAffixes)
+{
+    const ZString s = z("shot.png.png");
+    EXPECT_EQ(s.find(z(".png")), 4);
+    EXPECT_EQ(s.find(z(".png"), 5), 8);
+    EXPECT_EQ(s.find(z("x")), ZString::npos);
+    EXPECT_EQ(s.find(ZChar('.'), 99), ZString::npos);
+    EXPECT_EQ(s.findLast(z(".png")), 8);
+    EXPECT_EQ(s.findLast(ZChar('.'), 7), 4);
+    EXPECT_EQ(s.substring(5, 3), z("png"));
+    EXPECT_EQ(s.substring(10), z("ng"));
+    EXPECT_EQ(s.substring(50), ZString());
+    EXPECT_EQ(s.substring(-3, 4), z("shot"));
+    EXPECT_TRUE(s.endsWith(z(".png")));
+    EXPECT_FALSE(z("ng").endsWith(z(".png")));
+    EXPECT_TRUE(s.startsWith(z("shot")));
+    EXPECT_FALSE(z("sh").startsWith(z("shot")));
+}
+
+TEST(ZString, TrimTakesExactlyTheSixWhiteSpaceUnits)
+{
+    EXPECT_EQ(z("\t\n\v\f\r a b \r\n").trim(), z("a b"));
+    EXPECT_EQ(z(" \t ").trim(), ZString());
+    // A no-break space is text, not white space.
+    EXPECT_EQ(z("\xC2\xA0x").trim().length(), 2);
+}
+
+TEST(ZString, LowerCasing)
+{
+    EXPECT_EQ(z("ABC-xyz \xC3\x96").toLower(), z("abc-xyz \xC3\xB6"));
+    EXPECT_EQ(z("\xC3\x97").toLower(), z("\xC3\x97")) << "the multiplication sign has no case";
+    EXPECT_EQ(z("\xC5\x81\xC5\xB8").toLower(), z("\xC5\x82\xC3\xBF")); // L-stroke, Y-diaeresis
+    EXPECT_EQ(z("\xCE\xA3").toLower(), z("\xCF\x83"));                  // Greek sigma
+}
+
+TEST(ZString, DecimalParsingAndFormatting)
+{
+    long long v = 7;
+    EXPECT_TRUE(z(" -42 ").toInt(v));
+    EXPECT_EQ(v, -42);
+    EXPECT_TRUE(z("9223372036854775807").toInt(v));
+    EXPECT_EQ(v, LLONG_MAX);
+    EXPECT_TRUE(z("-9223372036854775808").toInt(v));
+    EXPECT_EQ(v, LLONG_MIN);
+    v = 7;
+    for (const char* bad : {"", "-", "12a", "1 2", "9223372036854775808", "0x10", "+-1"}) {
+        EXPECT_FALSE(z(bad).toInt(v)) << bad;
+        EXPECT_EQ(v, 7) << bad;
+    }
+    int i = 0;
+    EXPECT_FALSE(z("2147483648").toInt(i));
+    EXPECT_EQ(z("oops").toIntOr(144), 144);
+    EXPECT_EQ(z("+100").toIntOr(0), 100);
+    EXPECT_EQ(ZString::fromInt(LLONG_MIN), z("-9223372036854775808"));
+    EXPECT_EQ(ZString::fromUInt(ULLONG_MAX), z("18446744073709551615"));
+}
+
+TEST(ZString, PrintfStyleFormatting)
+{
+    const ZString path = z("C:\\Temp\\a b.png");
+    const ZString msg = ZString::format(u"ErrorCode=%d\nErrorMsg=%s\n\nSource=%s", 5, z("Access is denied.\r\n").c_str(),
+                                        path.c_str());
+    EXPECT_EQ(msg, z("ErrorCode=5\nErrorMsg=Access is denied.\r\n\n\nSource=C:\\Temp\\a b.png"));
+    EXPECT_EQ(ZString::format(u"[%5d|%-4d|%05d|%+d]", 42, 7, -3, 1), z("[   42|7   |-0003|+1]"));
+    EXPECT_EQ(ZString::format(u"%x %X %#x %o %u", 255u, 255u, 255u, 8u, 4000000000u), z("ff FF 0xff 10 4000000000"));
+    EXPECT_EQ(ZString::format(u"%lld %I64d %zu", -5000000000LL, 1LL << 40, size_t(3)), z("-5000000000 1099511627776 3"));
+    EXPECT_EQ(ZString::format(u"%.2f %g %e", 1.005, 0.5, 1500.0), z("1.00 0.5 1.500000e+03"));
+    EXPECT_EQ(ZString::format(u"%c%%%.3s|%6s|%-3s|%hs", 'Z', z("abcdef").c_str(), z("ab").c_str(), z("x").c_str(), "\xC3\xA9"),
+              z("Z%abc|    ab|x  |\xC3\xA9"));
+    EXPECT_EQ(ZString::format(u"%*d|%.*s", 4, 9, 2, z("xyz").c_str()), z("   9|xy"));
+    EXPECT_EQ(ZString::format(u"%s", static_cast<const ZChar*>(nullptr)), z("(null)"));
+}
+
+} // namespace
