@@ -1,0 +1,250 @@
+#include "xhtml/HtmlParser.h"
+
+#include "xhtml/MarkupText.h"
+
+#include <vector>
+
+namespace xhtml {
+
+namespace {
+
+bool startsWith(const ZChar* p, const char16_t* literal)
+{
+    for (; *literal; ++p, ++literal) {
+        if (static_cast<char16_t>(*p) != *literal)
+            return false;
+    }
+    return true;
+}
+
+// ">" or "/>": where a start tag ends.
+bool isTagEnd(const ZChar* p)
+{
+    return p[0] == '>' || (p[0] == '/' && p[1] == '>');
+}
+
+// Where an attribute value stops even inside quotes: at the tag's end or at a new tag.
+bool isValueStop(const ZChar* p)
+{
+    return isTagEnd(p) || (p[0] == '<' && isLetter(p[1]));
+}
+
+bool isRawContent(const HtmlTagNode& node)
+{
+    return equals(node.name(), u"textarea") || equals(node.name(), u"style");
+}
+
+// Compares the units at p with a lower-case name, ignoring case; stops at the terminator.
+bool hasPrefixNoCase(const ZChar* p, const ZString& lowerName)
+{
+    const ZChar* name = lowerName.c_str();
+    for (int i = 0; i < lowerName.length(); ++i) {
+        if (p[i] == 0 || ZString::toLower(p[i]) != name[i])
+            return false;
+    }
+    return true;
+}
+
+// raw-content := { any } up to "</" name (any case) or the end
+// Returns the position of that end tag, or the end.
+const ZChar* findRawContentEnd(const ZChar* p, const ZString& name)
+{
+    for (; *p; ++p) {
+        if (p[0] == '<' && p[1] == '/' && hasPrefixNoCase(p + 2, name))
+            return p;
+    }
+    return p;
+}
+
+// comment := "<!--" { any } "-->"
+// A comment that is never closed takes the rest of the text.
+const ZChar* skipComment(const ZChar* p)
+{
+    for (p += 4; *p; ++p) {
+        if (p[0] == '-' && p[1] == '-' && p[2] == '>')
+            return p + 3;
+    }
+    return p;
+}
+
+ZString lowerCopy(const ZChar* begin, const ZChar* end)
+{
+    ZString::Storage units;
+    units.reserve(static_cast<size_t>(end - begin));
+    for (const ZChar* p = begin; p < end; ++p)
+        units.push_back(ZString::toLower(*p));
+    return ZString(std::move(units));
+}
+
+// tag-name := letter { any but white space, ">" and "/>" }
+ZString readTagName(const ZChar*& p)
+{
+    const ZChar* start = p;
+    while (*p && !isSpace(*p) && !isTagEnd(p))
+        ++p;
+    return lowerCopy(start, p);
+}
+
+// value := quote { any but that quote } | { any but white space }
+// Either form also stops at ">", "/>" and "<" followed by a letter; a closing quote is left
+// for the attribute loop to skip.
+const ZChar* readValueEnd(const ZChar* p)
+{
+    const ZChar quote = *p == '"' || *p == '\'' ? *p : 0;
+    if (quote)
+        ++p;
+    while (*p && !isValueStop(p) && (quote ? *p != quote : !isSpace(*p)))
+        ++p;
+    return p;
+}
+
+// attribute := name [space* "=" space* value]; name := letter { any but "=", white space,
+// ">" and "/>" }. Stray characters before a name are skipped.
+void readAttributes(const ZChar*& p, HtmlTagNode& node)
+{
+    for (;;) {
+        while (*p && !isLetter(*p) && !isTagEnd(p))
+            ++p;
+        if (!*p || isTagEnd(p))
+            return;
+        const ZChar* nameStart = p;
+        while (*p && *p != '=' && !isSpace(*p) && !isTagEnd(p))
+            ++p;
+        ZString name = trimmed(nameStart, p).toLower();
+        while (isSpace(*p))
+            ++p;
+        ZString value;
+        if (*p == '=') {
+            ++p;
+            while (isSpace(*p))
+                ++p;
+            const ZChar* valueStart = *p == '"' || *p == '\'' ? p + 1 : p;
+            p = readValueEnd(p);
+            // The text of a "value" keeps its spaces: a button label or option value may need them.
+            value = equals(name, u"value") ? ZString(valueStart, static_cast<int>(p - valueStart))
+                                           : trimmed(valueStart, p);
+        }
+        node.addAttribute(std::move(name), std::move(value));
+    }
+}
+
+// end-tag := "</" { any but white space and ">" } { any } ">"
+ZString readEndTag(const ZChar*& p)
+{
+    p += 2;
+    const ZChar* start = p;
+    while (*p && !isSpace(*p) && *p != '>')
+        ++p;
+    ZString name = lowerCopy(start, p);
+    while (*p && *p != '>')
+        ++p;
+    if (*p)
+        ++p;
+    return name;
+}
+
+// text := any { any but "<" followed by "/", "!" or a letter }
+// The first unit is always taken, so a "<" that begins no tag or comment is text.
+const ZChar* findTextEnd(const ZChar* p)
+{
+    for (++p; *p; ++p) {
+        if (*p == '<' && (p[1] == '/' || p[1] == '!' || isLetter(p[1])))
+            return p;
+    }
+    return p;
+}
+
+class ParseRun {
+public:
+    explicit ParseRun(const ZChar* text) : p_(text) {}
+
+    const ZChar* run(HtmlTagNode* parent)
+    {
+        open_.push_back(parent);
+        while (!open_.empty()) {
+            HtmlTagNode& current = *open_.back();
+            if (isRawContent(current)) {
+                readRawContent(current);
+                open_.pop_back();
+            } else if (!*p_) {
+                break; // Every element still open ends with the text.
+            } else {
+                step(current);
+            }
+        }
+        return p_;
+    }
+
+private:
+    void step(HtmlTagNode& current)
+    {
+        if (startsWith(p_, u"<!--"))
+            p_ = skipComment(p_);
+        else if (p_[0] == '<' && isLetter(p_[1]))
+            readStartTag(current);
+        else if (p_[0] == '<' && p_[1] == '/')
+            readEndTagOf(current);
+        else
+            readText(current);
+    }
+
+    // start-tag := "<" tag-name attributes (">" content | "/>")
+    void readStartTag(HtmlTagNode& current)
+    {
+        ++p_;
+        auto node = std::make_unique<HtmlTagNode>(readTagName(p_));
+        readAttributes(p_, *node);
+        HtmlTagNode* element = static_cast<HtmlTagNode*>(current.appendChild(std::move(node)));
+        if (*p_ == '>') {
+            ++p_;
+            open_.push_back(element); // its content comes next
+        } else if (*p_) {
+            // "/>": an empty element. No list of void elements: only "/>" makes one.
+            while (*p_ && *p_ != '>')
+                ++p_;
+            if (*p_)
+                ++p_;
+        }
+    }
+
+    // An end tag closes the current element only; any other end tag is dropped, so it
+    // never closes an outer element. The root's empty name is never closed by "</>".
+    void readEndTagOf(HtmlTagNode& current)
+    {
+        const ZString name = readEndTag(p_);
+        if (!name.isEmpty() && name == current.name())
+            open_.pop_back();
+    }
+
+    void readText(HtmlTagNode& current)
+    {
+        const ZChar* end = findTextEnd(p_);
+        current.appendChild(std::make_unique<HtmlTextNode>(ZString(p_, static_cast<int>(end - p_))));
+        p_ = end;
+    }
+
+    // The whole content up to the element's end tag is one text node; the end tag itself is
+    // left for the enclosing element, where it is read like any other end tag.
+    void readRawContent(HtmlTagNode& current)
+    {
+        if (!*p_)
+            return;
+        const ZChar* end = findRawContentEnd(p_, current.name());
+        current.appendChild(std::make_unique<HtmlTextNode>(ZString(p_, static_cast<int>(end - p_))));
+        p_ = end;
+    }
+
+    const ZChar* p_;
+    std::vector<HtmlTagNode*> open_;
+};
+
+} // namespace
+
+const ZChar* HtmlParser::parse(HtmlTagNode* parent, const ZChar* text)
+{
+    if (!parent || !text || !*text)
+        return nullptr;
+    return ParseRun(text).run(parent);
+}
+
+} // namespace xhtml
