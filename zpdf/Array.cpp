@@ -9,6 +9,8 @@ void Array::append(Ptr<Object> element)
 {
     if (elements_.size() >= maxListElements)
         throw PdfException("list too long");
+    if (elements_.capacity() == 0)
+        elements_.reserve(4); // skips the growth steps 1 and 2
     elements_.push_back(std::move(element));
 }
 

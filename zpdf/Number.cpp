@@ -96,8 +96,8 @@ std::int32_t Number::intValue() const
 
 void Number::write(Writer& out) const
 {
-    if (!format_.empty()) {
-        out.write(formatWith(format_, value_));
+    if (format_) {
+        out.write(formatWith(*format_, value_));
     } else if (kind_ == integerKind && isIntegral(value_)) {
         out.writeInt(static_cast<std::int64_t>(value_));
     } else {
@@ -108,7 +108,7 @@ void Number::write(Writer& out) const
 
 Ptr<Object> Number::clone() const
 {
-    Ptr<Number> copy = format_.empty() ? make<Number>(value_) : make<Number>(value_, format_);
+    Ptr<Number> copy = format_ ? make<Number>(value_, *format_) : make<Number>(value_);
     copy->kind_ = kind_;
     return copy;
 }

@@ -8,6 +8,7 @@
 
 #include "zpdf/Object.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -27,7 +28,8 @@ public:
     bool isInteger() const { return kind_ == integerKind; }
     // The value truncated towards zero and clamped to the 32-bit range.
     std::int32_t intValue() const;
-    const std::string& format() const { return format_; }
+    // The number's own printf format, or null.
+    const std::string* format() const { return format_.get(); }
 
     void write(Writer& out) const override;
     Ptr<Object> clone() const override;
@@ -41,7 +43,7 @@ protected:
     explicit Number(double value) : Object(Type::Number), value_(value), kind_(realKind) {}
     // `format` is a printf format with one double conversion, for example "%.2f".
     Number(double value, std::string format)
-        : Object(Type::Number), value_(value), kind_(realKind), format_(std::move(format))
+        : Object(Type::Number), value_(value), kind_(realKind), format_(std::make_unique<std::string>(std::move(format)))
     {
     }
     bool equalsImpl(const Object& other, bool deep) const override;
@@ -49,7 +51,8 @@ protected:
 private:
     double value_;
     Kind kind_;
-    std::string format_;
+    // Held apart: almost no number has one, and numbers are the most frequent objects.
+    std::unique_ptr<std::string> format_;
 };
 
 } // namespace zpdf

@@ -12,19 +12,6 @@
 
 namespace zpdf {
 
-void IPtrBase::retain() const
-{
-    if (object_)
-        object_->refCount_.fetch_add(1, std::memory_order_relaxed);
-}
-
-void IPtrBase::releaseObject(Object* object)
-{
-    // acq_rel: the destroying thread must see every write made through other owners.
-    if (object && object->refCount_.fetch_sub(1, std::memory_order_acq_rel) == 1)
-        delete object;
-}
-
 void Object::dump() const
 {
     BufferWriter out;

@@ -101,4 +101,17 @@ private:
 // Equality of two possibly null pointers: both null, or equal objects.
 bool sameValue(const Object* a, const Object* b, bool deep);
 
+inline void IPtrBase::retain() const
+{
+    if (object_)
+        object_->refCount_.fetch_add(1, std::memory_order_relaxed);
+}
+
+inline void IPtrBase::releaseObject(Object* object)
+{
+    // acq_rel: the destroying thread must see every write made through other owners.
+    if (object && object->refCount_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+        delete object;
+}
+
 } // namespace zpdf

@@ -38,9 +38,10 @@ protected:
     void swapWith(IPtrBase& other) noexcept { std::swap(object_, other.object_); }
 
 private:
-    void retain() const;
+    // Defined in Object.h, which every user of a Ptr includes.
+    inline void retain() const;
     void release() const { releaseObject(object_); }
-    static void releaseObject(Object* object);
+    static inline void releaseObject(Object* object);
 
     Object* object_ = nullptr;
 };
