@@ -1,0 +1,125 @@
+#include "tests/support/TestPixels.h"
+
+#include "base/win/GdiHandles.h"
+#include "tests/support/UiRobot.h"
+
+namespace {
+
+const wchar_t* const kTestWindowClass = L"PryxaTestWindow";
+
+BITMAPINFO topDown32(int width, int height)
+{
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof info.bmiHeader;
+    info.bmiHeader.biWidth = width;
+    info.bmiHeader.biHeight = -height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader.biCompression = BI_RGB;
+    return info;
+}
+
+void registerTestWindowClass(WNDPROC proc)
+{
+    WNDCLASSW windowClass = {};
+    windowClass.lpfnWndProc = proc;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.lpszClassName = kTestWindowClass;
+    RegisterClassW(&windowClass); // once per process; later calls fail harmlessly
+}
+
+} // namespace
+
+PixelGrid readBitmapPixels(HBITMAP bitmap)
+{
+    BITMAP header = {};
+    if (!bitmap || !GetObjectW(bitmap, sizeof header, &header))
+        return PixelGrid();
+    PixelGrid grid;
+    grid.width = header.bmWidth;
+    grid.height = header.bmHeight;
+    grid.pixels.resize(static_cast<size_t>(grid.width) * grid.height);
+    BITMAPINFO info = topDown32(grid.width, grid.height);
+    WindowDC screen;
+    if (GetDIBits(screen.get(), bitmap, 0, grid.height, grid.pixels.data(), &info, DIB_RGB_COLORS) != grid.height)
+        return PixelGrid();
+    for (uint32_t& p : grid.pixels)
+        p &= 0xFFFFFF;
+    return grid;
+}
+
+PixelGrid readScreenPixels(const RECT& area)
+{
+    const int width = area.right - area.left;
+    const int height = area.bottom - area.top;
+    WindowDC screen;
+    BitmapHandle bitmap(CreateCompatibleBitmap(screen.get(), width, height));
+    {
+        MemoryDC memory(screen.get());
+        SelectedObject selected(memory.get(), bitmap.get());
+        BitBlt(memory.get(), 0, 0, width, height, screen.get(), area.left, area.top, SRCCOPY);
+    }
+    return readBitmapPixels(bitmap.get());
+}
+
+TestWindow::TestWindow(const RECT& clientArea, PixelPattern pattern, const std::wstring& title, DWORD style)
+    : pattern_(std::move(pattern)), width_(clientArea.right - clientArea.left),
+      height_(clientArea.bottom - clientArea.top)
+{
+    registerTestWindowClass(windowProc);
+    RECT outer = clientArea;
+    AdjustWindowRectEx(&outer, style, FALSE, 0);
+    window_ = CreateWindowExW(0, kTestWindowClass, title.c_str(), style, outer.left, outer.top,
+                              outer.right - outer.left, outer.bottom - outer.top, nullptr, nullptr,
+                              GetModuleHandleW(nullptr), this);
+}
+
+TestWindow::~TestWindow()
+{
+    if (window_)
+        DestroyWindow(window_);
+}
+
+bool TestWindow::showAndWait(DWORD timeoutMs)
+{
+    ShowWindow(window_, SW_SHOW);
+    SetForegroundWindow(window_);
+    SetWindowPos(window_, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
+    UpdateWindow(window_);
+    POINT origin = {0, 0};
+    ClientToScreen(window_, &origin);
+    const RECT probe = {origin.x, origin.y, origin.x + 1, origin.y + 1};
+    return pumpUntil([&] { return readScreenPixels(probe).pixels == std::vector<uint32_t>{pattern_(0, 0)}; },
+                     timeoutMs);
+}
+
+void TestWindow::paint(HDC dc)
+{
+    std::vector<uint32_t> pixels(static_cast<size_t>(width_) * height_);
+    for (int y = 0; y < height_; ++y) {
+        for (int x = 0; x < width_; ++x)
+            pixels[static_cast<size_t>(y) * width_ + x] = pattern_(x, y);
+    }
+    BITMAPINFO info = topDown32(width_, height_);
+    SetDIBitsToDevice(dc, 0, 0, width_, height_, 0, 0, 0, height_, pixels.data(), &info, DIB_RGB_COLORS);
+}
+
+LRESULT CALLBACK TestWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_NCCREATE) {
+        auto* create = reinterpret_cast<CREATESTRUCTW*>(lParam);
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
+    }
+    auto* self = reinterpret_cast<TestWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (message == WM_PAINT && self) {
+        PAINTSTRUCT paint;
+        HDC dc = BeginPaint(window, &paint);
+        self->paint(dc);
+        EndPaint(window, &paint);
+        return 0;
+    }
+    if (message == WM_ERASEBKGND)
+        return 1;
+    return DefWindowProcW(window, message, wParam, lParam);
+}

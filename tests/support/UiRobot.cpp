@@ -1,0 +1,207 @@
+#include "tests/support/UiRobot.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr DWORD kPollMs = 20;
+
+std::string narrow(const std::wstring& text)
+{
+    std::string out;
+    for (wchar_t c : text)
+        out.push_back(c < 0x80 ? static_cast<char>(c) : '?');
+    return out;
+}
+
+BOOL CALLBACK collectVisible(HWND window, LPARAM list)
+{
+    DWORD processId = 0;
+    GetWindowThreadProcessId(window, &processId);
+    if (processId == GetCurrentProcessId() && IsWindowVisible(window))
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+    return TRUE;
+}
+
+struct DescendantQuery {
+    std::wstring className;
+    int controlId;
+    HWND found;
+};
+
+BOOL CALLBACK matchDescendant(HWND window, LPARAM query)
+{
+    auto* q = reinterpret_cast<DescendantQuery*>(query);
+    if ((q->className.empty() || _wcsicmp(windowClass(window).c_str(), q->className.c_str()) == 0)
+        && (q->controlId < 0 || GetDlgCtrlID(window) == q->controlId)) {
+        q->found = window;
+        return FALSE;
+    }
+    return TRUE;
+}
+
+// The box's icon is a static control showing one of the system's shared icons. Its id
+// differs between Windows (20) and Wine, so it is found by its style.
+HWND iconControl(HWND box)
+{
+    for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        if (_wcsicmp(windowClass(child).c_str(), L"Static") == 0
+            && (GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) == SS_ICON)
+            return child;
+    }
+    return nullptr;
+}
+
+UINT iconKind(HWND box)
+{
+    HWND control = iconControl(box);
+    if (!control)
+        return 0;
+    const auto icon = reinterpret_cast<HICON>(SendMessageW(control, STM_GETICON, 0, 0));
+    const std::pair<LPCWSTR, UINT> kinds[] = {{IDI_HAND, MB_ICONERROR},
+                                              {IDI_EXCLAMATION, MB_ICONWARNING},
+                                              {IDI_ASTERISK, MB_ICONINFORMATION},
+                                              {IDI_QUESTION, MB_ICONQUESTION}};
+    for (const auto& [id, kind] : kinds) {
+        if (icon && icon == LoadIconW(nullptr, id))
+            return kind;
+    }
+    return 0;
+}
+
+} // namespace
+
+UiRobot::UiRobot(Script script) : thread_([this, script] { run(script); }) {}
+
+UiRobot::~UiRobot()
+{
+    finish();
+}
+
+std::string UiRobot::finish()
+{
+    if (thread_.joinable())
+        thread_.join();
+    return failure_;
+}
+
+void UiRobot::run(const Script& script)
+{
+    try {
+        script(*this);
+    } catch (const std::exception& e) {
+        failure_ = std::string("robot: ") + e.what();
+    } catch (...) {
+        failure_ = "robot: unknown exception";
+    }
+    if (!failure_.empty()) {
+        for (HWND window : processWindows())
+            PostMessageW(window, WM_CLOSE, 0, 0);
+    }
+}
+
+HWND UiRobot::waitForWindow(const std::wstring& className, const std::wstring& title, DWORD timeoutMs)
+{
+    const DWORD start = GetTickCount();
+    do {
+        for (HWND window : processWindows()) {
+            if ((className.empty() || windowClass(window) == className) && (title.empty() || windowText(window) == title))
+                return window;
+        }
+        Sleep(kPollMs);
+    } while (GetTickCount() - start < timeoutMs);
+    std::string seen;
+    for (HWND window : processWindows())
+        seen += " [" + narrow(windowClass(window)) + " \"" + narrow(windowText(window)) + "\"]";
+    throw RobotFailure("no window of class \"" + narrow(className) + "\" titled \"" + narrow(title) + "\" within "
+                       + std::to_string(timeoutMs) + " ms; visible:" + (seen.empty() ? " none" : seen));
+}
+
+void UiRobot::waitForWindowGone(HWND window, DWORD timeoutMs)
+{
+    const DWORD start = GetTickCount();
+    while (IsWindow(window)) {
+        if (GetTickCount() - start >= timeoutMs)
+            throw RobotFailure("window \"" + narrow(windowText(window)) + "\" still open after "
+                               + std::to_string(timeoutMs) + " ms");
+        Sleep(kPollMs);
+    }
+}
+
+MessageBoxInfo readMessageBox(HWND box)
+{
+    MessageBoxInfo info;
+    info.title = windowText(box);
+    info.text = windowText(GetDlgItem(box, 0xFFFF));
+    info.icon = iconKind(box);
+    for (int id = IDOK; id <= IDCONTINUE; ++id) {
+        HWND button = GetDlgItem(box, id);
+        if (button && IsWindowVisible(button))
+            info.buttons.push_back(id);
+    }
+    return info;
+}
+
+void pressButton(HWND dialog, int controlId)
+{
+    HWND button = GetDlgItem(dialog, controlId);
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(controlId, BN_CLICKED), reinterpret_cast<LPARAM>(button));
+}
+
+HWND findDescendant(HWND parent, const std::wstring& className, int controlId)
+{
+    DescendantQuery query{className, controlId, nullptr};
+    EnumChildWindows(parent, matchDescendant, reinterpret_cast<LPARAM>(&query));
+    return query.found;
+}
+
+void typeText(HWND edit, const std::wstring& text)
+{
+    SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+std::wstring windowText(HWND window)
+{
+    if (!window)
+        return std::wstring();
+    const int length = GetWindowTextLengthW(window);
+    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(window, &text[0], length + 1)));
+    return text;
+}
+
+std::wstring windowClass(HWND window)
+{
+    wchar_t name[256] = {};
+    GetClassNameW(window, name, 256);
+    return name;
+}
+
+std::vector<HWND> processWindows()
+{
+    std::vector<HWND> windows;
+    EnumWindows(collectVisible, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+void pumpMessages(DWORD milliseconds)
+{
+    pumpUntil([] { return false; }, milliseconds);
+}
+
+bool pumpUntil(const std::function<bool()>& condition, DWORD timeoutMs)
+{
+    const DWORD start = GetTickCount();
+    for (;;) {
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+        if (condition())
+            return true;
+        if (GetTickCount() - start >= timeoutMs)
+            return false;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, kPollMs, QS_ALLINPUT);
+    }
+}

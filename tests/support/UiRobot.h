@@ -1,0 +1,77 @@
+#pragma once
+// A robot that acts as the user while the test's own thread sits in a modal call
+// (a message box, the save dialog, a modal loop). Its script runs on a background thread:
+// it waits for a top-level window of this process, reads it and presses its buttons.
+//
+//   UiRobot robot([](UiRobot& r) {
+//       HWND box = r.waitForWindow(L"#32770", L"Error");
+//       EXPECT_EQ(readMessageBox(box).text, L"...");
+//       pressButton(box, IDOK);
+//   });
+//   codeThatShowsTheBox();
+//   EXPECT_EQ(robot.finish(), "");
+//
+// A wait that times out fails the script; the robot then closes the process's visible
+// top-level windows, so that the modal call returns and the test fails instead of hanging.
+
+#include <windows.h>
+
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+struct RobotFailure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+class UiRobot {
+public:
+    using Script = std::function<void(UiRobot&)>;
+
+    explicit UiRobot(Script script);
+    ~UiRobot();
+    UiRobot(const UiRobot&) = delete;
+    UiRobot& operator=(const UiRobot&) = delete;
+
+    // For the test: waits for the script to end; empty when it succeeded, else why not.
+    std::string finish();
+
+    // For the script: a visible top-level window of this process with this class (empty:
+    // any) whose title is `title` (empty: any). Throws RobotFailure after the timeout.
+    HWND waitForWindow(const std::wstring& className, const std::wstring& title = L"", DWORD timeoutMs = 10000);
+    // Throws RobotFailure if `window` still exists after the timeout.
+    void waitForWindowGone(HWND window, DWORD timeoutMs = 10000);
+
+private:
+    void run(const Script& script);
+
+    std::thread thread_;
+    std::string failure_;
+};
+
+struct MessageBoxInfo {
+    std::wstring title;
+    std::wstring text;
+    UINT icon = 0;            // MB_ICONERROR, MB_ICONWARNING, MB_ICONINFORMATION, MB_ICONQUESTION or 0
+    std::vector<int> buttons; // IDOK, IDCANCEL, IDRETRY, ... in id order
+};
+
+// Reads a message box as the user sees it.
+MessageBoxInfo readMessageBox(HWND box);
+// Presses the button with this control id, as a click would.
+void pressButton(HWND dialog, int controlId);
+// The first descendant of `parent` with this class (empty: any) and id (-1: any).
+HWND findDescendant(HWND parent, const std::wstring& className, int controlId = -1);
+// Replaces the text of an edit control, as typing would.
+void typeText(HWND edit, const std::wstring& text);
+std::wstring windowText(HWND window);
+std::wstring windowClass(HWND window);
+// Visible top-level windows of this process.
+std::vector<HWND> processWindows();
+
+// Dispatches this thread's messages for the given time.
+void pumpMessages(DWORD milliseconds);
+// Dispatches this thread's messages until the condition holds or the time is up.
+bool pumpUntil(const std::function<bool()>& condition, DWORD timeoutMs);
