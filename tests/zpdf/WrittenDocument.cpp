@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -51,7 +52,9 @@ std::string temporaryPath(const char* suffix)
     static std::atomic<int> counter{0};
     const std::filesystem::path folder = std::filesystem::temp_directory_path();
     std::ostringstream name;
-    name << "zpdf_test_" << std::hex << reinterpret_cast<std::uintptr_t>(&counter) << '_' << counter++ << suffix;
+    // The clock keeps concurrent test processes apart, the counter calls within one.
+    name << "zpdf_test_" << std::hex << std::chrono::system_clock::now().time_since_epoch().count() << '_'
+         << counter++ << suffix;
     return (folder / name.str()).u8string();
 }
 
