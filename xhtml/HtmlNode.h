@@ -64,6 +64,8 @@ public:
     const ZString* attribute(const ZString& name) const;
 
 private:
+    void takeChildrenReversed(std::vector<std::unique_ptr<HtmlNode>>& into);
+
     std::vector<std::unique_ptr<HtmlNode>> children_;
     ZString name_;
     std::vector<HtmlAttribute> attributes_;

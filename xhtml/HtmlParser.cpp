@@ -31,7 +31,8 @@ bool isValueStop(const ZChar* p)
 
 bool isRawContent(const HtmlTagNode& node)
 {
-    return equals(node.name(), u"textarea") || equals(node.name(), u"style");
+    const int length = node.name().length();
+    return (length == 8 && equals(node.name(), u"textarea")) || (length == 5 && equals(node.name(), u"style"));
 }
 
 // Compares the units at p with a lower-case name, ignoring case; stops at the terminator.
@@ -69,10 +70,9 @@ const ZChar* skipComment(const ZChar* p)
 
 ZString lowerCopy(const ZChar* begin, const ZChar* end)
 {
-    ZString::Storage units;
-    units.reserve(static_cast<size_t>(end - begin));
-    for (const ZChar* p = begin; p < end; ++p)
-        units.push_back(ZString::toLower(*p));
+    ZString::Storage units(begin, end);
+    for (ZChar& unit : units)
+        unit = unit < 0x80 ? asciiLower(unit) : ZString::toLower(unit);
     return ZString(std::move(units));
 }
 
@@ -107,10 +107,11 @@ void readAttributes(const ZChar*& p, HtmlTagNode& node)
             ++p;
         if (!*p || isTagEnd(p))
             return;
+        // The name begins with a letter and stops at white space, so it is already trimmed.
         const ZChar* nameStart = p;
         while (*p && *p != '=' && !isSpace(*p) && !isTagEnd(p))
             ++p;
-        ZString name = trimmed(nameStart, p).toLower();
+        ZString name = lowerCopy(nameStart, p);
         while (isSpace(*p))
             ++p;
         ZString value;

@@ -291,7 +291,8 @@ TEST(HtmlParserProperties, ReturnValueIsWithinTheText)
         ASSERT_GE(end, text.c_str()) << input;
         ASSERT_LE(end, text.c_str() + text.length()) << input;
         // Either the end, or just after the "</b ...>" that closed the element.
-        if (end != text.c_str() + text.length())
+        if (end != text.c_str() + text.length()) {
             ASSERT_EQ(end[-1], '>') << input;
+        }
     }
 }
