@@ -43,11 +43,6 @@ Document::Document() : table_(std::make_shared<IndirectTable>()), trailer_(make<
 
 Document::~Document() = default;
 
-std::uint32_t Document::highestNumber() const
-{
-    return table_->objects.empty() ? 0 : table_->objects.rbegin()->first;
-}
-
 Ptr<Reference> Document::makeReference(const Indirect& object) const
 {
     return make<Reference>(object.number(), object.generation(), std::weak_ptr<const IndirectTable>(table_));
@@ -65,12 +60,12 @@ Ptr<Reference> Document::put(std::uint32_t number, std::uint16_t generation, Ptr
 {
     if (number == 0)
         throw PdfException("Document: object number 0 is reserved");
-    Ptr<Indirect>& slot = table_->objects[number];
+    Ptr<Indirect>& slot = table_->slot(number);
     slot = make<Indirect>(number, generation, std::move(value));
     return makeReference(*slot);
 }
 
-bool Document::remove(std::uint32_t number) { return table_->objects.erase(number) != 0; }
+bool Document::remove(std::uint32_t number) { return table_->erase(number); }
 
 Ptr<Reference> Document::referenceTo(std::uint32_t number) const
 {

@@ -36,9 +36,9 @@ public:
     Indirect* object(std::uint32_t number) const { return table_->find(number); }
     // A reference to an existing object; throws PdfException when there is none.
     Ptr<Reference> referenceTo(std::uint32_t number) const;
-    // In ascending number; adding or removing objects invalidates iterators.
-    const IndirectTable::Objects& objects() const { return table_->objects; }
-    std::uint32_t highestNumber() const;
+    // The objects by number.
+    const IndirectTable& objects() const { return *table_; }
+    std::uint32_t highestNumber() const { return table_->highestNumber(); }
 
     // The trailer source; the writer copies its ID, Info, Root and Encrypt entries.
     Dict& trailer() { return *trailer_; }

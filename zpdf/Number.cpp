@@ -18,16 +18,43 @@ constexpr double maxExactInteger = 9007199254740992.0; // 2^53
 
 bool isIntegral(double value) { return std::fabs(value) <= maxExactInteger && std::trunc(value) == value; }
 
+// Below 2^50 a double's ulp is at most 1/8, so when value * 10^6 rounds to an integer N the
+// exact product lies within 1/16 of N, and N is what "%f" prints in six decimals.
+constexpr double maxExactScaled = 1125899906842624.0; // 2^50
+
+// The common case of few decimals without the general conversion; 0 when it does not apply.
+std::size_t formatScaled(double value, char* buffer)
+{
+    const double scaled = value * 1e6;
+    if (!(std::fabs(scaled) < maxExactScaled) || std::trunc(scaled) != scaled)
+        return 0;
+    auto units = static_cast<std::int64_t>(scaled);
+    char* at = buffer;
+    if (units < 0 || (units == 0 && std::signbit(value)))
+        *at++ = '-';
+    if (units < 0)
+        units = -units;
+    at = std::to_chars(at, buffer + 32, units / 1000000).ptr;
+    *at++ = '.';
+    std::int64_t fraction = units % 1000000;
+    for (int i = 5; i >= 0; --i, fraction /= 10)
+        at[i] = static_cast<char>('0' + fraction % 10);
+    return at + 6 - buffer;
+}
+
 // "%f" in the C locale, then trailing zeros removed down to one digit after the point.
-// std::to_chars never consults the locale, so no process-wide locale switch is needed.
+// Neither path consults the locale, so no process-wide locale switch is needed.
 std::size_t formatTrimmed(double value, char* buffer, std::size_t size)
 {
     if (!std::isfinite(value))
         throw PdfException("Number: value is not finite");
-    const auto result = std::to_chars(buffer, buffer + size, value, std::chars_format::fixed, 6);
-    if (result.ec != std::errc())
-        return 0;
-    char* end = result.ptr;
+    char* end = buffer + formatScaled(value, buffer);
+    if (end == buffer) {
+        const auto result = std::to_chars(buffer, buffer + size, value, std::chars_format::fixed, 6);
+        if (result.ec != std::errc())
+            return 0;
+        end = result.ptr;
+    }
     const char* point = static_cast<const char*>(std::memchr(buffer, '.', end - buffer));
     if (point)
         while (end - point > 2 && end[-1] == '0')

@@ -63,8 +63,10 @@ void Writer::writeDocument(Document& document)
     write(std::string_view(binaryComment, sizeof binaryComment - 1));
 
     Ptr<XRef> xref = make<XRef>();
-    for (const auto& [number, object] : document.objects()) {
-        xref->add(XRef::Entry{number, object->generation(), position(), true});
+    for (const Ptr<Indirect>& object : document.objects().slots()) {
+        if (!object)
+            continue;
+        xref->add(XRef::Entry{object->number(), object->generation(), position(), true});
         object->write(*this);
         write("\r\n");
     }

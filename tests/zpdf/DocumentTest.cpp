@@ -15,8 +15,18 @@ TEST(Document, NewDocumentIsVersion14AndEmpty)
 {
     Document document;
     EXPECT_EQ(document.version(), "1.4");
-    EXPECT_TRUE(document.objects().empty());
+    EXPECT_TRUE(document.objects().isEmpty());
     EXPECT_TRUE(document.trailer().isEmpty());
+
+    document.put(3, 0, make<Number>(3));
+    document.put(7, 0, make<Number>(7));
+    EXPECT_EQ(document.add(make<Number>(8))->number(), 8u);
+    EXPECT_TRUE(document.remove(8));
+    EXPECT_TRUE(document.remove(7));
+    EXPECT_FALSE(document.remove(7));
+    EXPECT_EQ(document.highestNumber(), 3u);
+    EXPECT_EQ(document.objects().count(), 1u);
+    EXPECT_EQ(document.add(make<Number>(4))->number(), 4u);
 }
 
 TEST(Document, PagesEnterThePageTree)

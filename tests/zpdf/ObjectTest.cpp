@@ -52,6 +52,11 @@ TEST(Number, Formatting)
         {make<Number>(100.0), "100.0"},
         {make<Number>(612.123456789), "612.123457"},
         {make<Number>(0.0000001), "0.0"},
+        {make<Number>(0.000001), "0.000001"},
+        {make<Number>(-0.0), "-0.0"},
+        {make<Number>(-1234.5), "-1234.5"},
+        {make<Number>(123456.789), "123456.789"},
+        {make<Number>(1e15), "1000000000000000.0"},
         {make<Number>(2.5, "%.3f"), "2.500"},
         {make<Number>(7.0, "%g"), "7"},
     };
