@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <random>
 #include <stdexcept>
-#include <utility>
 #include <vector>
 
 namespace {

@@ -208,7 +208,7 @@ TEST(SystemTempFolder, IsTheCurrentFolderWhenNothingExists)
     EXPECT_EQ(systemTempFolder(), ZString(L"."));
 }
 
-TEST(CreateFolderTree, CreatesMissingParents)
+TEST(CreateFolderTree, CreatesMissingParentsButNotBelowAFile)
 {
     ScratchEnvironment scratch;
     const ZString nested = scratch.folder() + L"\\a\\b\\c";
@@ -216,32 +216,18 @@ TEST(CreateFolderTree, CreatesMissingParents)
     EXPECT_TRUE(isFolder(nested));
     EXPECT_TRUE(createFolderTree(nested)) << "an existing folder";
     EXPECT_FALSE(createFolderTree(ZString()));
-}
-
-TEST(CreateFolderTree, FailsWhereAFileIsInTheWay)
-{
-    ScratchEnvironment scratch;
     const ZString file = scratch.writeFile(L"plain", "x");
     EXPECT_FALSE(createFolderTree(file));
     EXPECT_FALSE(createFolderTree(file + L"\\below"));
     EXPECT_FALSE(exists(file + L"\\below"));
 }
 
-TEST(IsWritable, LeavesNoFileBehind)
-{
-    ScratchEnvironment scratch;
-    const ZString folder = scratch.folder() + L"\\writable";
-    ASSERT_TRUE(createFolderTree(folder));
-    for (int i = 0; i < 3; ++i)
-        EXPECT_TRUE(isWritable(folder));
-    EXPECT_TRUE(folderEntries(folder).empty());
-}
-
-TEST(IsWritable, CreatesAMissingFolder)
+TEST(IsWritable, CreatesAMissingFolderAndLeavesNoFileBehind)
 {
     ScratchEnvironment scratch;
     const ZString folder = scratch.folder() + L"\\new\\deeper";
-    EXPECT_TRUE(isWritable(folder));
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(isWritable(folder));
     EXPECT_TRUE(isFolder(folder));
     EXPECT_TRUE(folderEntries(folder).empty());
 }
