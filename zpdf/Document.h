@@ -61,6 +61,10 @@ public:
     // them already; a document read from a file overrides this.
     virtual void loadAllObjects() {}
 
+protected:
+    // The object table, for a document that loads its objects from a file.
+    const std::shared_ptr<IndirectTable>& table() const { return table_; }
+
 private:
     Ptr<Reference> makeReference(const Indirect& object) const;
     // The dictionary that `key` of `owner` refers to, made by `create` and entered when absent.

@@ -12,8 +12,11 @@ Ptr<Indirect>& IndirectTable::slot(std::uint32_t number)
     if (number >= slots_.size())
         slots_.resize(static_cast<std::size_t>(number) + 1);
     Ptr<Indirect>& at = slots_[number];
-    if (!at)
+    if (!at) {
         ++count_; // the caller fills it
+        if (source_)
+            source_->discard(number);
+    }
     return at;
 }
 

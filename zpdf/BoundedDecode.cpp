@@ -1,0 +1,116 @@
+#include "zpdf/BoundedDecode.h"
+
+#include "zpdf/Array.h"
+#include "zpdf/Names.h"
+#include "zpdf/Number.h"
+#include "zpdf/PdfException.h"
+#include "zpdf/PngPredictor.h"
+#include "zpdf/Stream.h"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace zpdf {
+
+namespace {
+
+// Deflate cannot expand data by more than about this factor.
+constexpr std::size_t maxDeflateRatio = 1032;
+constexpr std::size_t maxStructureBytes = std::size_t{256} << 20;
+
+std::string inflateBounded(const std::string& data, std::size_t limit)
+{
+    z_stream stream{};
+    if (inflateInit(&stream) != Z_OK)
+        throw PdfException("ZLib decompression error");
+    std::string result;
+    char piece[16384];
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
+    stream.avail_in = static_cast<uInt>(std::min<std::size_t>(data.size(), std::numeric_limits<uInt>::max()));
+    int status = Z_OK;
+    while (status != Z_STREAM_END) {
+        stream.next_out = reinterpret_cast<Bytef*>(piece);
+        stream.avail_out = sizeof piece;
+        status = inflate(&stream, Z_NO_FLUSH);
+        const std::size_t produced = sizeof piece - stream.avail_out;
+        if (status == Z_BUF_ERROR && stream.avail_in == 0 && produced == 0)
+            break; // truncated data: what was decoded is used, as readers do
+        if ((status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) || result.size() + produced > limit) {
+            inflateEnd(&stream);
+            throw PdfException(status == Z_OK || status == Z_STREAM_END ? "Decoded stream too long"
+                                                                        : "ZLib decompression error");
+        }
+        result.append(piece, produced);
+    }
+    inflateEnd(&stream);
+    return result;
+}
+
+int intEntry(Dict* parms, const Ptr<Name>& key, int fallback)
+{
+    Object* value = parms ? parms->get(key) : nullptr;
+    Number* number = value ? value->asNumber() : nullptr;
+    return number ? number->intValue() : fallback;
+}
+
+std::string undoPredictor(std::string data, Dict* parms)
+{
+    const int predictor = intEntry(parms, names::Predictor(), 1);
+    if (predictor == 1)
+        return data;
+    PredictorParams params;
+    params.predictor = predictor;
+    params.colors = intEntry(parms, names::Colors(), 1);
+    params.bitsPerComponent = intEntry(parms, names::BitsPerComponent(), 8);
+    params.columns = intEntry(parms, names::Columns(), 1);
+    return undoPngPredictor(data, params);
+}
+
+bool isFlate(Object* filter)
+{
+    Name* name = filter ? filter->asName() : nullptr;
+    return name && (name->bytes() == "FlateDecode" || name->bytes() == "Fl");
+}
+
+Dict* parmsAt(Object* parms, int index)
+{
+    if (!parms)
+        return nullptr;
+    if (Array* list = parms->asArray()) {
+        Object* element = index < list->size() ? list->at(index) : nullptr;
+        return element ? element->asDict() : nullptr;
+    }
+    return index == 0 ? parms->asDict() : nullptr;
+}
+
+} // namespace
+
+std::size_t structureLimit(std::size_t fileSize)
+{
+    return std::min(maxStructureBytes, (fileSize + 1) * maxDeflateRatio);
+}
+
+std::string decodeBounded(const Stream& stream, std::size_t limit)
+{
+    Dict& dict = *stream.dict();
+    Object* filter = dict.get(names::Filter());
+    Object* parms = dict.get(names::DecodeParms());
+    std::string data = stream.data()->bytes();
+    if (!filter || !filter->resolve() || filter->resolve()->type() == Type::Null)
+        return data;
+    Array* filters = filter->asArray();
+    const int count = filters ? filters->size() : 1;
+    for (int i = 0; i < count; ++i) {
+        Object* step = filters ? filters->at(i) : filter;
+        if (!isFlate(step))
+            throw PdfException("Unsupported filter in a cross-reference or object stream");
+        data = undoPredictor(inflateBounded(data, limit), parmsAt(parms, i));
+        if (data.size() > limit)
+            throw PdfException("Decoded stream too long");
+    }
+    return data;
+}
+
+} // namespace zpdf

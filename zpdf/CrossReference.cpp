@@ -1,0 +1,60 @@
+#include "zpdf/CrossReference.h"
+
+namespace zpdf {
+
+namespace {
+
+bool inUse(const CrossReference::Entry& entry)
+{
+    return entry.kind == CrossReference::Kind::direct || entry.kind == CrossReference::Kind::compressed;
+}
+
+} // namespace
+
+CrossReference::Entry* CrossReference::slot(std::uint32_t number)
+{
+    if (!admits(number))
+        return nullptr;
+    if (number >= entries_.size())
+        entries_.resize(static_cast<std::size_t>(number) + 1);
+    return &entries_[number];
+}
+
+void CrossReference::addIfAbsent(std::uint32_t number, const Entry& entry)
+{
+    if (at(number).kind != Kind::none)
+        return;
+    if (Entry* target = slot(number))
+        *target = entry;
+}
+
+void CrossReference::addUnlessInUse(std::uint32_t number, const Entry& entry)
+{
+    if (inUse(at(number)))
+        return;
+    if (Entry* target = slot(number))
+        *target = entry;
+}
+
+void CrossReference::set(std::uint32_t number, const Entry& entry)
+{
+    if (Entry* target = slot(number))
+        *target = entry;
+}
+
+void CrossReference::mergeOlder(const CrossReference& older)
+{
+    for (std::uint32_t number = 0; number < older.size(); ++number)
+        if (older.at(number).kind != Kind::none)
+            addIfAbsent(number, older.at(number));
+}
+
+std::uint32_t CrossReference::countInUse() const
+{
+    std::uint32_t count = 0;
+    for (const Entry& entry : entries_)
+        count += inUse(entry) ? 1 : 0;
+    return count;
+}
+
+} // namespace zpdf
