@@ -22,7 +22,8 @@ Ptr<Indirect>& IndirectTable::slot(std::uint32_t number)
 
 bool IndirectTable::erase(std::uint32_t number)
 {
-    if (number >= slots_.size() || !slots_[number])
+    // An object still in its source is loaded first, so that it is gone for good.
+    if (!find(number))
         return false;
     slots_[number] = nullptr;
     --count_;

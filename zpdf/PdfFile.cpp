@@ -129,7 +129,13 @@ void PdfFile::adopt(CrossReference entries, Ptr<Dict> trailer, const std::vector
     states_.assign(entries_.size(), State::unloaded);
     for (const std::uint32_t number : structure)
         if (number < states_.size())
-            states_[number] = State::settled;
+            states_[number] = State::structure;
+    // Known before any object is loaded, so an object stream is never taken for content.
+    for (std::uint32_t number = 0; number < entries_.size(); ++number) {
+        const CrossReference::Entry& entry = entries_.at(number);
+        if (entry.kind == CrossReference::Kind::compressed && entry.offset < states_.size())
+            states_[static_cast<std::size_t>(entry.offset)] = State::structure;
+    }
     fileTrailer_ = std::move(trailer);
     table()->setSource(this, entries_.isEmpty() ? 0 : entries_.size() - 1);
 }
@@ -250,7 +256,7 @@ Indirect* PdfFile::loadCompressed(std::uint32_t number, const CrossReference::En
 {
     // Every object of the stream is loaded at once, so the stream is decoded only once.
     const auto streamNumber = static_cast<std::uint32_t>(entry.offset);
-    const bool readable = streamNumber < states_.size() && states_[streamNumber] != State::loading
+    const bool readable = streamNumber < states_.size() && states_[streamNumber] == State::structure
                           && entries_.at(streamNumber).kind == CrossReference::Kind::direct;
     states_[number] = State::settled;
     if (!readable)
@@ -284,7 +290,7 @@ Indirect* PdfFile::loadCompressed(std::uint32_t number, const CrossReference::En
     } catch (const PdfException&) {
         failure = std::current_exception();
     }
-    states_[streamNumber] = State::settled;
+    states_[streamNumber] = State::structure;
     if (states_[number] == State::loading)
         states_[number] = State::settled;
     if (failure)

@@ -42,7 +42,8 @@ public:
     const Dict& fileTrailer() const { return *fileTrailer_; }
 
 private:
-    enum class State : std::uint8_t { unloaded, loading, settled };
+    // structure: an object stream or cross-reference stream, read but never entered.
+    enum class State : std::uint8_t { unloaded, loading, settled, structure };
 
     Indirect* load(std::uint32_t number) override;
     void discard(std::uint32_t number) override;
