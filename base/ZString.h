@@ -14,8 +14,11 @@
 
 #ifdef _WIN32
 using ZChar = wchar_t;
+// A literal of ZChar units, for portable code that needs `const ZChar*` (ZSTR("screen")).
+#define ZSTR(text) L##text
 #else
 using ZChar = char16_t;
+#define ZSTR(text) u##text
 #endif
 static_assert(sizeof(ZChar) == 2, "ZString stores UTF-16 code units");
 

@@ -208,14 +208,14 @@ void reportUnusableTempFolder(const ZString& folder)
                                     L"that the subfolder can be created.\r\n\r\n") +
                                 folder,
                             L"Could not create temporary files folder");
-        throw std::runtime_error("Temporary files folder could not be created");
+        throw TempFolderError("Temporary files folder could not be created");
     }
     showTempFolderError(ZString(L"The following temporary files folder is not writeable by the current user. Please "
                                 L"ensure that the current user can create files in that folder by checking "
                                 L"permissions. Alternatively, you can try to delete the folder manually.\r\n\r\n") +
                             folder,
                         L"Temporary files folder not writeable");
-    throw std::runtime_error("Temporary files folder not writeable");
+    throw TempFolderError("Temporary files folder not writeable");
 }
 
 ZString uniqueFileName(const ZString& folder, const ZString& prefix, const ZString& extension)

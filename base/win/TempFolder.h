@@ -7,6 +7,13 @@
 
 #include "base/ZString.h"
 
+#include <stdexcept>
+
+// No usable folder for intermediate files; the user has been told already.
+struct TempFolderError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
 // `folder` and `name` with a single backslash between them; `name` alone for an empty folder.
 ZString joinPath(const ZString& folder, const ZString& name);
 
@@ -16,7 +23,7 @@ ZString systemTempFolder();
 
 // A folder that the current user can write to: "Pryxa", else "Pryxa_1" to "Pryxa_99",
 // else the system temporary folder itself. If none is writable, the user is told and
-// std::runtime_error is thrown (reportUnusableTempFolder).
+// TempFolderError is thrown (reportUnusableTempFolder).
 ZString moduleTempFolder();
 
 // Creates the folder and its missing parents; true if `path` is a folder afterwards.
@@ -27,7 +34,7 @@ bool createFolderTree(const ZString& path);
 bool isWritable(const ZString& folder);
 
 // Shows the error box for an unusable temporary folder (no owner window), then throws
-// std::runtime_error. Its text says whether the folder is missing or not writeable.
+// TempFolderError. Its text says whether the folder is missing or not writeable.
 [[noreturn]] void reportUnusableTempFolder(const ZString& folder);
 
 // A full path below `folder` (empty: the system temporary folder) of a file that does not

@@ -1,6 +1,7 @@
 #include "companions/language/Language.h"
 
 #include "base/win/ThisModule.h"
+#include "base/win/SlimLock.h"
 #include "companions/language/LanguageFile.h"
 #include "companions/settings/Settings.h"
 
@@ -19,7 +20,7 @@ struct Language {
     LanguageTexts texts;
 };
 
-std::mutex languageMutex;
+SlimLock languageMutex;
 std::optional<Language> current;
 ZString folderOverride;
 
@@ -127,7 +128,7 @@ const Language& loaded()
 ZString lang_getStr(const ZString& key)
 {
     try {
-        std::lock_guard<std::mutex> lock(languageMutex);
+        std::lock_guard<SlimLock> lock(languageMutex);
         return textOr(loaded().texts, key, key);
     } catch (...) {
         return key;
@@ -137,7 +138,7 @@ ZString lang_getStr(const ZString& key)
 bool lang_hasStr(const ZString& key)
 {
     try {
-        std::lock_guard<std::mutex> lock(languageMutex);
+        std::lock_guard<SlimLock> lock(languageMutex);
         return loaded().texts.count(key) != 0;
     } catch (...) {
         return false;
@@ -147,7 +148,7 @@ bool lang_hasStr(const ZString& key)
 LanguageInfo lang_getCurrent()
 {
     try {
-        std::lock_guard<std::mutex> lock(languageMutex);
+        std::lock_guard<SlimLock> lock(languageMutex);
         return loaded().info;
     } catch (...) {
         return LanguageInfo{L"English", L"en", L"English", ZString(), ZString(), L"ltr"};
@@ -157,7 +158,7 @@ LanguageInfo lang_getCurrent()
 void lang_setFolder(const ZString& folder)
 {
     try {
-        std::lock_guard<std::mutex> lock(languageMutex);
+        std::lock_guard<SlimLock> lock(languageMutex);
         folderOverride = folder;
         current.reset();
     } catch (...) {

@@ -1,6 +1,7 @@
 #include "companions/notifyicon/NotifyIcon.h"
 
 #include "base/win/ThisModule.h"
+#include "base/win/SlimLock.h"
 
 #include <windows.h>
 #include <shellapi.h>
@@ -27,7 +28,7 @@ struct Note {
 };
 
 // Shared between callers and the note thread; guarded by noteMutex.
-std::mutex noteMutex;
+SlimLock noteMutex;
 std::optional<Note> pending;
 bool threadAlive = false;
 HWND noteWindow = nullptr;
@@ -107,7 +108,7 @@ void showPending(TrayIcon& icon, HWND window)
     std::optional<Note> note;
     UINT duration;
     {
-        std::lock_guard<std::mutex> lock(noteMutex);
+        std::lock_guard<SlimLock> lock(noteMutex);
         note.swap(pending);
         duration = durationMs;
     }
@@ -123,7 +124,7 @@ void finishNote(TrayIcon& icon, HWND window)
     std::optional<Note> next;
     UINT duration;
     {
-        std::lock_guard<std::mutex> lock(noteMutex);
+        std::lock_guard<SlimLock> lock(noteMutex);
         next.swap(pending);
         duration = durationMs;
         if (!next) {
@@ -181,7 +182,7 @@ bool runNoteWindow()
     TrayIcon icon(window);
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(&icon));
     {
-        std::lock_guard<std::mutex> lock(noteMutex);
+        std::lock_guard<SlimLock> lock(noteMutex);
         noteWindow = window;
     }
     // The caller that started this thread left its note pending.
@@ -197,7 +198,7 @@ bool runNoteWindow()
 DWORD WINAPI noteThread(void*)
 {
     if (!runNoteWindow()) {
-        std::lock_guard<std::mutex> lock(noteMutex);
+        std::lock_guard<SlimLock> lock(noteMutex);
         pending.reset();
         threadAlive = false;
     }
@@ -225,7 +226,7 @@ bool startNoteThread()
 void notifyIcon_info(const ZString& heading, const ZString& message)
 {
     try {
-        std::lock_guard<std::mutex> lock(noteMutex);
+        std::lock_guard<SlimLock> lock(noteMutex);
         pending = Note{heading, message};
         if (threadAlive) {
             // The thread picks the note up when its window exists; before that it reads
@@ -244,7 +245,7 @@ void notifyIcon_info(const ZString& heading, const ZString& message)
 void notifyIcon_setDuration(uint32_t milliseconds)
 {
     try {
-        std::lock_guard<std::mutex> lock(noteMutex);
+        std::lock_guard<SlimLock> lock(noteMutex);
         durationMs = milliseconds;
     } catch (...) {
     }

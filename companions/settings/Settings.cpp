@@ -1,6 +1,7 @@
 #include "companions/settings/Settings.h"
 
 #include "base/win/RegistryKey.h"
+#include "base/win/SlimLock.h"
 
 #include <mutex>
 #include <optional>
@@ -14,12 +15,12 @@ struct Root {
     ZString path;
 };
 
-std::mutex rootMutex;
+SlimLock rootMutex;
 ZString scratchKey;
 
 Root userRoot()
 {
-    std::lock_guard<std::mutex> lock(rootMutex);
+    std::lock_guard<SlimLock> lock(rootMutex);
     if (scratchKey.isEmpty())
         return {HKEY_CURRENT_USER, kProductKey};
     return {HKEY_CURRENT_USER, scratchKey + L"\\User"};
@@ -27,7 +28,7 @@ Root userRoot()
 
 Root programRoot()
 {
-    std::lock_guard<std::mutex> lock(rootMutex);
+    std::lock_guard<SlimLock> lock(rootMutex);
     if (scratchKey.isEmpty())
         return {HKEY_LOCAL_MACHINE, kProductKey};
     return {HKEY_CURRENT_USER, scratchKey + L"\\Program"};
@@ -139,7 +140,7 @@ bool userConfig_setStr(const ZString& key, const ZString& value)
 void settings_redirect(const ZString& key)
 {
     try {
-        std::lock_guard<std::mutex> lock(rootMutex);
+        std::lock_guard<SlimLock> lock(rootMutex);
         scratchKey = key;
     } catch (...) {
     }

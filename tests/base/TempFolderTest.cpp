@@ -121,7 +121,7 @@ BoxAndThrow expectErrorBox(const std::wstring& title, Action action)
     });
     try {
         action();
-    } catch (const std::runtime_error& error) {
+    } catch (const TempFolderError& error) {
         result.exceptionMessage = error.what();
     }
     result.robotFailure = robot.finish();

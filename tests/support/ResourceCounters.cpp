@@ -1,6 +1,7 @@
 #include "tests/support/ResourceCounters.h"
 
 #include "tests/support/UiRobot.h"
+#include "tests/support/Wine.h"
 
 #include <windows.h>
 #include <winternl.h>
@@ -10,12 +11,6 @@
 #include <vector>
 
 namespace {
-
-bool runningOnWine()
-{
-    HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-    return ntdll && GetProcAddress(ntdll, "wine_get_version");
-}
 
 // The GDI handle table that the PEB points to. Entries: kernel pointer, then the owner's
 // process id (16 bits), a count, the handle's upper 16 bits (0x80: stock object) and the

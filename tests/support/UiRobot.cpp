@@ -102,10 +102,20 @@ void UiRobot::run(const Script& script)
 
 HWND UiRobot::waitForWindow(const std::wstring& className, const std::wstring& title, DWORD timeoutMs)
 {
+    return waitForWindow(
+        [&](HWND window) {
+            return (className.empty() || windowClass(window) == className)
+                && (title.empty() || windowText(window) == title);
+        },
+        "of class \"" + narrow(className) + "\" titled \"" + narrow(title) + "\"", timeoutMs);
+}
+
+HWND UiRobot::waitForWindow(const std::function<bool(HWND)>& matches, const std::string& what, DWORD timeoutMs)
+{
     const DWORD start = GetTickCount();
     do {
         for (HWND window : processWindows()) {
-            if ((className.empty() || windowClass(window) == className) && (title.empty() || windowText(window) == title))
+            if (matches(window))
                 return window;
         }
         Sleep(kPollMs);
@@ -113,8 +123,8 @@ HWND UiRobot::waitForWindow(const std::wstring& className, const std::wstring& t
     std::string seen;
     for (HWND window : processWindows())
         seen += " [" + narrow(windowClass(window)) + " \"" + narrow(windowText(window)) + "\"]";
-    throw RobotFailure("no window of class \"" + narrow(className) + "\" titled \"" + narrow(title) + "\" within "
-                       + std::to_string(timeoutMs) + " ms; visible:" + (seen.empty() ? " none" : seen));
+    throw RobotFailure("no window " + what + " within " + std::to_string(timeoutMs) + " ms; visible:"
+                       + (seen.empty() ? " none" : seen));
 }
 
 void UiRobot::waitForWindowGone(HWND window, DWORD timeoutMs)

@@ -41,6 +41,8 @@ public:
     // For the script: a visible top-level window of this process with this class (empty:
     // any) whose title is `title` (empty: any). Throws RobotFailure after the timeout.
     HWND waitForWindow(const std::wstring& className, const std::wstring& title = L"", DWORD timeoutMs = 10000);
+    // The same for any condition; `what` describes the window in the failure.
+    HWND waitForWindow(const std::function<bool(HWND)>& matches, const std::string& what, DWORD timeoutMs = 10000);
     // Throws RobotFailure if `window` still exists after the timeout.
     void waitForWindowGone(HWND window, DWORD timeoutMs = 10000);
 

@@ -1,0 +1,70 @@
+// pryxa-test-helper: a second process for tests that need one.
+//   record ARGS...            appends its command line (UTF-8) as one line to the file named
+//                             by %PRYXA_RECORD_FILE%; stands in for programs the module starts
+//   hold-clipboard READY DONE opens the clipboard, sets the event READY and keeps the
+//                             clipboard open until the event DONE is set (30 s at most)
+
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+std::string utf8(const wchar_t* text)
+{
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    std::string out(static_cast<size_t>(size > 0 ? size - 1 : 0), '\0');
+    if (size > 1)
+        WideCharToMultiByte(CP_UTF8, 0, text, -1, &out[0], size, nullptr, nullptr);
+    return out;
+}
+
+int record()
+{
+    wchar_t path[MAX_PATH] = {};
+    if (!GetEnvironmentVariableW(L"PRYXA_RECORD_FILE", path, MAX_PATH))
+        return 3;
+    FILE* out = _wfopen(path, L"ab");
+    if (!out)
+        return 4;
+    std::fprintf(out, "%s\n", utf8(GetCommandLineW()).c_str());
+    std::fclose(out);
+    return 0;
+}
+
+int holdClipboard(const wchar_t* readyName, const wchar_t* doneName)
+{
+    HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, readyName);
+    HANDLE done = OpenEventW(SYNCHRONIZE, FALSE, doneName);
+    // Opened for a window, as programs do: Wine lets a second OpenClipboard(NULL) through
+    // while the clipboard is open for no window.
+    HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    int status = 5;
+    if (ready && done && window && OpenClipboard(window)) {
+        SetEvent(ready);
+        WaitForSingleObject(done, 30000);
+        CloseClipboard();
+        status = 0;
+    }
+    if (window)
+        DestroyWindow(window);
+    if (ready)
+        CloseHandle(ready);
+    if (done)
+        CloseHandle(done);
+    return status;
+}
+
+} // namespace
+
+int wmain(int argc, wchar_t** argv)
+{
+    const std::wstring command = argc > 1 ? argv[1] : L"";
+    if (command == L"record")
+        return record();
+    if (command == L"hold-clipboard" && argc == 4)
+        return holdClipboard(argv[2], argv[3]);
+    std::fprintf(stderr, "usage: pryxa-test-helper record ARGS... | hold-clipboard READY DONE\n");
+    return 2;
+}

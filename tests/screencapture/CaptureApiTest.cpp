@@ -1,0 +1,137 @@
+// The module as a host sees it: screencapture.dll's exports.
+
+#include "companions/notifyicon/NotifyIcon.h"
+#include "screencapture/CaptureApi.h"
+#include "tests/screencapture/CaptureTestKit.h"
+#include "tests/support/HelperProcess.h"
+#include "tests/support/ResourceCounters.h"
+#include "tests/support/UiRobot.h"
+#include "tests/support/Wine.h"
+
+#include <cwchar>
+
+namespace {
+
+using ScreenCaptureApi = CaptureTest;
+
+// The tray note of the clipboard target has its own window and thread while it is up.
+bool noteIsOver()
+{
+    return pumpUntil([] { return FindWindowW(L"PryxaNotifyIconWindow", nullptr) == nullptr; }, 5000);
+}
+
+std::wstring nameText(const wchar_t* name) { return name ? name : L"(null)"; }
+
+TEST_F(ScreenCaptureApi, CAndCppNamesGiveTheSameAnswers)
+{
+    for (int value = -1; value <= 7; ++value) {
+        EXPECT_EQ(nameText(screenCapture::modeToName(static_cast<screenCapture::Mode>(value))),
+                  nameText(screenCapture_modeToName(value)));
+        EXPECT_EQ(nameText(screenCapture::targetToName(static_cast<screenCapture::Target>(value))),
+                  nameText(screenCapture_targetToName(value)));
+    }
+    for (const wchar_t* name : {L"screen", L"Screen", L"clipboard", L"pdfPrinter", L"file", L""}) {
+        EXPECT_EQ(screenCapture::nameToMode(name), screenCapture_nameToMode(name)) << name;
+        EXPECT_EQ(screenCapture::nameToTarget(name), screenCapture_nameToTarget(name)) << name;
+    }
+    EXPECT_EQ(screenCapture::nameToMode(L"clipboard"), 6);
+    EXPECT_EQ(screenCapture::nameToTarget(L"clipboard"), 1);
+    EXPECT_EQ(nameText(screenCapture::targetToName(screenCapture::pdfPrinter)), L"pdfPrinter");
+    EXPECT_EQ(screenCapture::modeToName(screenCapture::noMode), nullptr);
+}
+
+TEST_F(ScreenCaptureApi, ClipboardProbeSeesOnlyAnOfferedBitmap)
+{
+    ASSERT_TRUE(putBitmapOnClipboard(createDibSection(4, 4, 32, {}, gradientPattern)));
+    EXPECT_TRUE(screenCapture::canCaptureClipboard());
+    EXPECT_TRUE(screenCapture_canCaptureClipboard());
+    {
+        ClipboardHolder holder;
+        ASSERT_TRUE(holder.holding());
+        EXPECT_FALSE(screenCapture::canCaptureClipboard()) << "held open by another process";
+    }
+    ASSERT_TRUE(putTextOnClipboard(L"just text"));
+    EXPECT_FALSE(screenCapture::canCaptureClipboard());
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    EmptyClipboard();
+    CloseClipboard();
+    EXPECT_FALSE(screenCapture::canCaptureClipboard());
+}
+
+TEST_F(ScreenCaptureApi, ClipboardModeWithoutABitmapTellsTheUser)
+{
+    ASSERT_TRUE(putTextOnClipboard(L"no picture here"));
+    MessageBoxInfo box;
+    UiRobot robot([&](UiRobot& r) {
+        HWND found = r.waitForWindow(L"#32770", L"Error");
+        box = readMessageBox(found);
+        pressButton(found, IDOK);
+    });
+    screenCapture::capture(screenCapture::clipboard, screenCapture::toClipboard);
+    ASSERT_EQ(robot.finish(), "");
+    EXPECT_EQ(box.text, L"Could not capture the screen");
+    EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONWARNING));
+}
+
+TEST_F(ScreenCaptureApi, ManyCapturesLeaveNoGdiObjectHandleOrWindowBehind)
+{
+    notifyIcon_setDuration(100);
+    CommandRecorder recorder(env.folder());
+    const ZString editCommand = CommandRecorder::commandFor(L"\"%1\"");
+    PngEditVerb verb(editCommand);
+    auto captureBoth = [] {
+        screenCapture::capture(screenCapture::screen, screenCapture::toClipboard);
+        screenCapture::capture(screenCapture::screen, screenCapture::imageEditor);
+    };
+    // The first captures pay for what is set up once per process (GDI+, the shell, the
+    // clipboard, the tray), including what only a quick succession of notes sets up.
+    for (int i = 0; i < 10; ++i)
+        captureBoth();
+    ASSERT_TRUE(recorder.waitForLines(10));
+    ASSERT_TRUE(noteIsOver());
+    const ResourceCounts before = countResources();
+    for (int i = 0; i < 100; ++i)
+        captureBoth();
+    ASSERT_TRUE(recorder.waitForLines(110, 60000)) << "the edit verb was not started each time";
+    ASSERT_TRUE(noteIsOver());
+    const ResourceCounts after = countResourcesSettled(before, 3000);
+    EXPECT_EQ(after.gdiObjects, before.gdiObjects) << after.describe();
+    EXPECT_EQ(after.kernelHandles, before.kernelHandles) << after.describe();
+    EXPECT_EQ(after.windows, before.windows) << after.describe();
+}
+
+// Everything that names the temporary folder, pointed at one place while the object lives
+// (the scratch environment puts TMP and TEMP back afterwards).
+class TemporaryFolderAt {
+public:
+    explicit TemporaryFolderAt(const wchar_t* folder)
+    {
+        GetCurrentDirectoryW(MAX_PATH, savedCurrent_);
+        SetEnvironmentVariableW(L"TMP", folder);
+        SetEnvironmentVariableW(L"TEMP", folder);
+        SetCurrentDirectoryW(folder);
+    }
+    ~TemporaryFolderAt() { SetCurrentDirectoryW(savedCurrent_); }
+
+private:
+    wchar_t savedCurrent_[MAX_PATH] = {};
+};
+
+TEST_F(ScreenCaptureApi, UnusableTemporaryFolderIsTheOneFailureThatReachesTheHost)
+{
+    if (!runningOnWine())
+        GTEST_SKIP() << "needs Wine's Z: drive";
+    // Z: is the Unix root under Wine, and nobody can create files in /proc.
+    TemporaryFolderAt proc(L"Z:\\proc");
+    auto acknowledge = [](UiRobot& r) { pressButton(r.waitForWindow(L"#32770", L"Temporary files folder not writeable"), IDOK); };
+
+    UiRobot cppHost(acknowledge);
+    EXPECT_THROW(screenCapture::capture(screenCapture::screen, screenCapture::imageEditor), std::runtime_error);
+    EXPECT_EQ(cppHost.finish(), "");
+
+    UiRobot cHost(acknowledge);
+    EXPECT_NO_THROW(screenCapture_capture(screenCapture::screen, screenCapture::imageEditor));
+    EXPECT_EQ(cHost.finish(), "");
+}
+
+} // namespace

@@ -1,0 +1,153 @@
+#include "tests/screencapture/CaptureTestKit.h"
+
+#include "base/win/GdiHandles.h"
+#include "base/win/RegistryKey.h"
+#include "tests/support/Wine.h"
+
+#include <cstring>
+
+PixelGrid imagePixels(Gdiplus::Bitmap& image)
+{
+    PixelGrid grid;
+    grid.width = static_cast<int>(image.GetWidth());
+    grid.height = static_cast<int>(image.GetHeight());
+    Gdiplus::Rect all(0, 0, grid.width, grid.height);
+    Gdiplus::BitmapData data = {};
+    if (image.LockBits(&all, Gdiplus::ImageLockModeRead, PixelFormat32bppRGB, &data) != Gdiplus::Ok)
+        return PixelGrid();
+    grid.pixels.resize(static_cast<size_t>(grid.width) * grid.height);
+    for (int y = 0; y < grid.height; ++y) {
+        const auto* row = static_cast<const uint8_t*>(data.Scan0) + static_cast<ptrdiff_t>(y) * data.Stride;
+        std::memcpy(&grid.pixels[static_cast<size_t>(y) * grid.width], row, static_cast<size_t>(grid.width) * 4);
+    }
+    image.UnlockBits(&data);
+    for (uint32_t& p : grid.pixels)
+        p &= 0xFFFFFF;
+    return grid;
+}
+
+PixelGrid pngFilePixels(const ZString& path)
+{
+    Gdiplus::Bitmap image(path.c_str());
+    if (image.GetLastStatus() != Gdiplus::Ok)
+        return PixelGrid();
+    return imagePixels(image);
+}
+
+std::vector<UINT> clipboardFormats()
+{
+    std::vector<UINT> formats;
+    if (!OpenClipboard(nullptr))
+        return formats;
+    for (UINT format = EnumClipboardFormats(0); format; format = EnumClipboardFormats(format))
+        formats.push_back(format);
+    CloseClipboard();
+    return formats;
+}
+
+bool putBitmapOnClipboard(HBITMAP bitmap)
+{
+    BitmapHandle owned(bitmap);
+    if (!OpenClipboard(nullptr))
+        return false;
+    EmptyClipboard();
+    const bool placed = SetClipboardData(CF_BITMAP, owned.get()) != nullptr;
+    if (placed)
+        owned.release();
+    CloseClipboard();
+    return placed;
+}
+
+bool putTextOnClipboard(const wchar_t* text)
+{
+    const size_t bytes = (wcslen(text) + 1) * sizeof(wchar_t);
+    HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
+    if (!memory)
+        return false;
+    std::memcpy(GlobalLock(memory), text, bytes);
+    GlobalUnlock(memory);
+    bool placed = false;
+    if (OpenClipboard(nullptr)) {
+        EmptyClipboard();
+        placed = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
+        CloseClipboard();
+    }
+    if (!placed)
+        GlobalFree(memory);
+    return placed;
+}
+
+HBITMAP createDibSection(int width, int height, int bitsPerPixel, const std::vector<uint32_t>& palette,
+                         const PixelPattern& pattern)
+{
+    std::vector<uint8_t> header(sizeof(BITMAPINFOHEADER) + 256 * sizeof(RGBQUAD));
+    auto* info = reinterpret_cast<BITMAPINFO*>(header.data());
+    info->bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
+    info->bmiHeader.biWidth = width;
+    info->bmiHeader.biHeight = -height;
+    info->bmiHeader.biPlanes = 1;
+    info->bmiHeader.biBitCount = static_cast<WORD>(bitsPerPixel);
+    info->bmiHeader.biCompression = BI_RGB;
+    info->bmiHeader.biClrUsed = static_cast<DWORD>(palette.size());
+    for (size_t i = 0; i < palette.size(); ++i) {
+        info->bmiColors[i] = RGBQUAD{static_cast<BYTE>(palette[i]), static_cast<BYTE>(palette[i] >> 8),
+                                     static_cast<BYTE>(palette[i] >> 16), 0};
+    }
+    void* bits = nullptr;
+    WindowDC screen;
+    HBITMAP bitmap = CreateDIBSection(screen.get(), info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (!bitmap)
+        return nullptr;
+    const int stride = ((width * bitsPerPixel + 31) / 32) * 4;
+    for (int y = 0; y < height; ++y) {
+        auto* row = static_cast<uint8_t*>(bits) + static_cast<ptrdiff_t>(y) * stride;
+        for (int x = 0; x < width; ++x) {
+            const uint32_t value = pattern(x, y);
+            if (bitsPerPixel == 8)
+                row[x] = static_cast<uint8_t>(value);
+            else
+                std::memcpy(row + x * 4, &value, 4);
+        }
+    }
+    GdiFlush();
+    return bitmap;
+}
+
+std::unique_ptr<TestWindow> showPattern(const RECT& area, PixelPattern pattern, DWORD style, const std::wstring& title)
+{
+    auto window = std::make_unique<TestWindow>(area, std::move(pattern), title, style);
+    EXPECT_TRUE(window->showAndWait()) << "the test window did not appear on screen";
+    return window;
+}
+
+uint32_t gradientPattern(int x, int y)
+{
+    return rgb((x * 7) & 0xFF, (y * 5) & 0xFF, ((x ^ y) * 3) & 0xFF);
+}
+
+namespace {
+
+const wchar_t* const kPngKey = L"Software\\Classes\\.png";
+const wchar_t* const kProgramKey = L"Software\\Classes\\PryxaTests.EditPng";
+
+// Wine's HKEY_CLASSES_ROOT has no per-user part: it is the machine's classes only.
+HKEY classesHive()
+{
+    return runningOnWine() ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+}
+
+} // namespace
+
+PngEditVerb::PngEditVerb(const ZString& command)
+{
+    EXPECT_FALSE(RegistryKey::openForReading(classesHive(), kPngKey).isOpen()) << "a .png association exists already";
+    RegistryKey::openForWriting(classesHive(), kPngKey).writeString(ZString(), L"PryxaTests.EditPng");
+    RegistryKey::openForWriting(classesHive(), ZString(kProgramKey) + L"\\shell\\edit\\command")
+        .writeString(ZString(), command);
+}
+
+PngEditVerb::~PngEditVerb()
+{
+    RegistryKey::deleteTree(classesHive(), kPngKey);
+    RegistryKey::deleteTree(classesHive(), kProgramKey);
+}

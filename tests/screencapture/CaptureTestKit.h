@@ -1,0 +1,49 @@
+#pragma once
+// What the capture tests share: a GDI+ session per test, pixels of GDI+ images and of PNG
+// files, and putting things on the clipboard.
+
+#include "screencapture/GdiplusSession.h"
+#include "tests/support/ScratchEnvironment.h"
+#include "tests/support/TestPixels.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+// Scratch settings, temp and language folders, and GDI+ for each test.
+class CaptureTest : public testing::Test {
+protected:
+    ScratchEnvironment env;
+    screenCapture::GdiplusSession gdiplus;
+};
+
+PixelGrid imagePixels(Gdiplus::Bitmap& image);
+PixelGrid pngFilePixels(const ZString& path);
+
+// The clipboard's formats in enumeration order.
+std::vector<UINT> clipboardFormats();
+// Replaces the clipboard's content; the clipboard takes the bitmap.
+bool putBitmapOnClipboard(HBITMAP bitmap);
+bool putTextOnClipboard(const wchar_t* text);
+
+// A DIB section of the given depth (8: with a palette of `palette`; 32: with alpha),
+// drawn by the pattern (palette indexes for 8 bits, 0xAARRGGBB for 32).
+HBITMAP createDibSection(int width, int height, int bitsPerPixel, const std::vector<uint32_t>& palette,
+                         const PixelPattern& pattern);
+
+// Shows a frameless window with this pattern over everything, waiting until it is painted.
+std::unique_ptr<TestWindow> showPattern(const RECT& area, PixelPattern pattern, DWORD style = WS_POPUP,
+                                        const std::wstring& title = L"Pryxa test window");
+
+// Makes `command` the "edit" verb of .png files for the current user while it lives.
+class PngEditVerb {
+public:
+    explicit PngEditVerb(const ZString& command);
+    ~PngEditVerb();
+    PngEditVerb(const PngEditVerb&) = delete;
+    PngEditVerb& operator=(const PngEditVerb&) = delete;
+};
+
+// An easy pattern to tell pixels apart by.
+uint32_t gradientPattern(int x, int y);

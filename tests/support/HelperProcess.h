@@ -1,0 +1,54 @@
+#pragma once
+// The second process of tests that need one (tests/helpers/TestHelper.cpp), and what it
+// records.
+
+#include "base/ZString.h"
+#include "base/win/KernelHandle.h"
+
+#include <string>
+#include <vector>
+
+// The helper program's full path, beside the test program.
+ZString helperProgramPath();
+
+// Runs `commandLine` to its end (at most `timeoutMs`) and returns its exit code, or -1 if
+// it could not be started or did not end; `output` receives what it wrote to its standard
+// output and error.
+int runProgram(const ZString& commandLine, std::string& output, unsigned timeoutMs = 60000);
+
+// Keeps the clipboard open in another process for the object's lifetime.
+class ClipboardHolder {
+public:
+    ClipboardHolder();
+    ~ClipboardHolder();
+    ClipboardHolder(const ClipboardHolder&) = delete;
+    ClipboardHolder& operator=(const ClipboardHolder&) = delete;
+
+    // True once the other process has the clipboard open.
+    bool holding() const { return holding_; }
+
+private:
+    KernelHandle ready_;
+    KernelHandle done_;
+    KernelHandle process_;
+    bool holding_ = false;
+};
+
+// Points the helper's "record" command at a fresh file in `folder`; lines() reads what the
+// helper processes started meanwhile have recorded (one command line each).
+class CommandRecorder {
+public:
+    explicit CommandRecorder(const ZString& folder);
+    ~CommandRecorder();
+    CommandRecorder(const CommandRecorder&) = delete;
+    CommandRecorder& operator=(const CommandRecorder&) = delete;
+
+    // The command line with which the helper is started to record.
+    static ZString commandFor(const ZString& arguments);
+    std::vector<std::string> lines() const;
+    // Waits (pumping messages) until at least `count` lines are there.
+    bool waitForLines(size_t count, unsigned timeoutMs = 10000) const;
+
+private:
+    ZString path_;
+};
