@@ -1,5 +1,7 @@
 #include "zpdf/CrossReference.h"
 
+#include <algorithm>
+
 namespace zpdf {
 
 namespace {
@@ -55,6 +57,17 @@ std::uint32_t CrossReference::countInUse() const
     for (const Entry& entry : entries_)
         count += inUse(entry) ? 1 : 0;
     return count;
+}
+
+std::vector<std::uint64_t> CrossReference::directOffsets() const
+{
+    std::vector<std::uint64_t> offsets;
+    for (const Entry& entry : entries_)
+        if (entry.kind == Kind::direct)
+            offsets.push_back(entry.offset);
+    std::sort(offsets.begin(), offsets.end());
+    offsets.erase(std::unique(offsets.begin(), offsets.end()), offsets.end());
+    return offsets;
 }
 
 } // namespace zpdf

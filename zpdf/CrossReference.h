@@ -48,6 +48,8 @@ public:
     bool isEmpty() const { return entries_.empty(); }
     // The number of entries in use, direct or compressed.
     std::uint32_t countInUse() const;
+    // The offsets of the direct entries, ascending, each once.
+    std::vector<std::uint64_t> directOffsets() const;
 
 private:
     Entry* slot(std::uint32_t number);

@@ -136,6 +136,7 @@ void PdfFile::adopt(CrossReference entries, Ptr<Dict> trailer, const std::vector
         if (entry.kind == CrossReference::Kind::compressed && entry.offset < states_.size())
             states_[static_cast<std::size_t>(entry.offset)] = State::structure;
     }
+    starts_ = entries_.directOffsets();
     fileTrailer_ = std::move(trailer);
     table()->setSource(this, entries_.isEmpty() ? 0 : entries_.size() - 1);
 }
@@ -213,21 +214,23 @@ Ptr<Indirect> PdfFile::readDirect(std::uint32_t number, const CrossReference::En
 {
     std::exception_ptr failure;
     try {
-        return parseAt(entry.offset, number);
+        return parseAt(entry.offset, number, starts_);
     } catch (const PdfException&) {
         failure = std::current_exception();
     }
     const std::uint64_t found = scannedOffset(number);
     if (found == 0 || found == entry.offset)
         std::rethrow_exception(failure);
-    return parseAt(found, number);
+    return parseAt(found, number, scannedStarts_);
 }
 
-Ptr<Indirect> PdfFile::parseAt(std::uint64_t offset, std::uint32_t number)
+Ptr<Indirect> PdfFile::parseAt(std::uint64_t offset, std::uint32_t number, const std::vector<std::uint64_t>& starts)
 {
     if (offset >= bytes_.size())
         throw PdfException("Object " + std::to_string(number) + " lies beyond the end of the file" + atOffset(offset));
-    Tokenizer tokens(bytes_, static_cast<std::size_t>(offset));
+    const auto next = std::upper_bound(starts.begin(), starts.end(), offset);
+    const std::size_t end = next == starts.end() ? bytes_.size() : static_cast<std::size_t>(*next);
+    Tokenizer tokens(std::string_view(bytes_).substr(0, end), static_cast<std::size_t>(offset));
     ObjectParser parser(tokens, names_, table());
     Ptr<Indirect> object = parser.parseIndirect();
     if (object->number() != number)
@@ -246,6 +249,7 @@ std::uint64_t PdfFile::scannedOffset(std::uint32_t number)
         NameTable names;
         Repair scan(bytes_, names, {}, entries_.limit());
         scanned_ = std::make_unique<CrossReference>(std::move(scan.entries()));
+        scannedStarts_ = scanned_->directOffsets();
         table()->setSource(this, entries_.isEmpty() ? 0 : entries_.size() - 1);
     }
     const CrossReference::Entry& entry = scanned_->at(number);

@@ -59,8 +59,10 @@ private:
     Indirect* loadCompressed(std::uint32_t number, const CrossReference::Entry& entry);
     // Object `number`, read where its entry says, else where the repair scan found it.
     Ptr<Indirect> readDirect(std::uint32_t number, const CrossReference::Entry& entry);
-    // The indirect object at `offset`, which must be `number`.
-    Ptr<Indirect> parseAt(std::uint64_t offset, std::uint32_t number);
+    // The indirect object at `offset`, which must be `number`. It is read up to the next
+    // offset in `starts` only (objects do not overlap), so damaged objects cannot make
+    // loading all of them quadratic in the file size.
+    Ptr<Indirect> parseAt(std::uint64_t offset, std::uint32_t number, const std::vector<std::uint64_t>& starts);
     // The offset at which the repair scan found `number`, made on first need; 0 for none.
     std::uint64_t scannedOffset(std::uint32_t number);
     Indirect* enter(Ptr<Indirect> object);
@@ -70,7 +72,9 @@ private:
     CrossReference entries_;
     std::vector<State> states_;
     Ptr<Dict> fileTrailer_;
+    std::vector<std::uint64_t> starts_; // entries_.directOffsets()
     std::unique_ptr<CrossReference> scanned_;
+    std::vector<std::uint64_t> scannedStarts_;
     bool repaired_ = false;
     int depth_ = 0;
 };

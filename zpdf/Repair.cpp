@@ -52,8 +52,8 @@ Repair::Repair(std::string_view data, NameTable& names, std::weak_ptr<const Indi
 void Repair::scanObjects()
 {
     // header := integer white+ integer white+ 'obj'
-    std::size_t from = 0;
-    for (std::size_t hit; (hit = data_.find("obj", from)) != std::string_view::npos;) {
+    std::vector<Found> headers;
+    for (std::size_t hit, from = 0; (hit = data_.find("obj", from)) != std::string_view::npos;) {
         from = hit + 3;
         if (from < data_.size() && Tokenizer::isRegular(data_[from]))
             continue; // "objects", "obj1"
@@ -62,33 +62,35 @@ void Repair::scanObjects()
         const std::size_t generationAt = numberBefore(data_, hit, generation);
         const std::size_t numberAt =
             generationAt == std::string_view::npos ? generationAt : numberBefore(data_, generationAt, number);
-        if (numberAt == std::string_view::npos || generation > 65535 || !entries_.admits(number))
-            continue;
-        const Found found{static_cast<std::uint32_t>(number), static_cast<std::uint16_t>(generation), numberAt};
+        if (numberAt != std::string_view::npos && generation <= 65535 && entries_.admits(number))
+            headers.push_back(Found{static_cast<std::uint32_t>(number), static_cast<std::uint16_t>(generation), numberAt});
+    }
+    for (std::size_t i = 0; i < headers.size(); ++i) {
         CrossReference::Entry entry;
         entry.kind = CrossReference::Kind::direct;
-        entry.offset = numberAt;
-        entry.generation = found.generation;
-        entries_.set(found.number, entry);
-        from = inspect(found, from);
+        entry.offset = headers[i].offset;
+        entry.generation = headers[i].generation;
+        entries_.set(headers[i].number, entry);
+        // Each object is read up to the next header only, so the scan stays linear.
+        inspect(headers[i], i + 1 < headers.size() ? headers[i + 1].offset : data_.size());
     }
 }
 
-std::size_t Repair::inspect(const Found& found, std::size_t resume)
+void Repair::inspect(const Found& found, std::size_t end)
 {
-    Tokenizer tokens(data_, found.offset);
+    Tokenizer tokens(data_.substr(0, end), found.offset);
     ObjectParser parser(tokens, names_, table_);
     Ptr<Indirect> object;
     try {
         object = parser.parseIndirect();
     } catch (const PdfException&) {
-        return resume; // the scan goes on behind the header
+        return; // still an entry: loading it reports the damage
     }
     Object* value = object->value();
     if (value->type() == Type::Dict && hasType(*static_cast<Dict*>(value), names::Catalog()))
         catalogs_.push_back(found);
     if (value->type() != Type::Stream)
-        return resume;
+        return;
     Dict& dict = *static_cast<Stream*>(value)->dict();
     if (hasType(dict, names::ObjStm())) {
         objectStreams_.push_back(found);
@@ -98,7 +100,6 @@ std::size_t Repair::inspect(const Found& found, std::size_t resume)
         if (dict.get(names::Root()))
             xrefStreamTrailer_ = Ptr<Dict>(&dict);
     }
-    return tokens.position();
 }
 
 void Repair::addObjectStreams()
@@ -135,7 +136,8 @@ Ptr<Dict> Repair::lastTrailerWithRoot() const
 {
     std::size_t end = data_.size();
     for (std::size_t at; end > 0 && (at = data_.rfind("trailer", end - 1)) != std::string_view::npos; end = at) {
-        Tokenizer tokens(data_, at + 7);
+        // Read up to the next "trailer" only, so the search stays linear.
+        Tokenizer tokens(data_.substr(0, end), at + 7);
         ObjectParser parser(tokens, names_, table_);
         try {
             Ptr<Object> trailer = parser.parseObject();

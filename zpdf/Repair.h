@@ -37,9 +37,9 @@ private:
     };
 
     void scanObjects();
-    // Looks at the object at `found`: notes streams of structure and catalogs. Returns
-    // where the scan goes on (after a stream's data, so its contents are not scanned).
-    std::size_t inspect(const Found& found, std::size_t resume);
+    // Looks at the object at `found`, which ends before `end`: notes streams of structure
+    // and catalogs.
+    void inspect(const Found& found, std::size_t end);
     void addObjectStreams();
     void findTrailer();
     Ptr<Dict> lastTrailerWithRoot() const;

@@ -159,6 +159,20 @@ TEST(DamagedFile, ObjectsThatReferToThemselvesForTheirLength)
     EXPECT_EQ(file.object(199)->value()->asStream()->data()->bytes(), "xy");
 }
 
+TEST(DamagedFile, ManyStreamsWithoutEndAreReadInLinearTime)
+{
+    // Each stream's data would run to the end of the file; read naively, that is quadratic
+    // (here some 10^11 steps). Each object is read up to the next one instead.
+    std::string bytes = "%PDF-1.4\n1 0 obj <</Type /Catalog /Pages 2 0 R>> endobj\n2 0 obj <</Type /Pages /Kids [] /Count 0>> endobj\n";
+    for (int n = 3; n < 60000; ++n)
+        bytes += std::to_string(n) + " 0 obj <</Length 99999999>> stream\n0 0 m 10 10 l S\n";
+    bytes += "trailer <</Root 1 0 R>>\n";
+    PdfFile file(bytes);
+    EXPECT_TRUE(file.wasRepaired());
+    EXPECT_THROW(file.loadAllObjects(), PdfException);
+    EXPECT_EQ(file.pages()->get(names::Count())->asNumber()->value(), 0);
+}
+
 TEST(DamagedFile, UnrepairableFilesGiveClearErrors)
 {
     const std::pair<std::string, const char*> cases[] = {
