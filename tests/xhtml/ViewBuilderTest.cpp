@@ -1,0 +1,99 @@
+// The view tree built from markup: which elements get views, text, controls and styles.
+
+#include "tests/xhtml/LaidOutMarkup.h"
+#include "xhtml/view/ViewBuilder.h"
+
+#include <gtest/gtest.h>
+
+using xhtml::ControlType;
+using xhtml::View;
+using xhtml::ViewKind;
+
+namespace {
+
+std::string kinds(const View& view)
+{
+    static const char* const names[] = {"block", "inline", "text", "image", "br", "hr", "table", "tr", "td", "control"};
+    std::string out;
+    for (const auto& child : view.children) {
+        out += out.empty() ? "" : " ";
+        out += names[static_cast<int>(child->kind)];
+        if (!child->children.empty())
+            out += "(" + kinds(*child) + ")";
+    }
+    return out;
+}
+
+TEST(ViewBuilder, TextIsCollapsedThenDecoded)
+{
+    struct Case {
+        const char16_t* raw;
+        const char16_t* text;
+    } cases[] = {
+        {u"a \t\r\n b", u"a b"},
+        {u"\n\t\t&nbsp;&nbsp;\n", u" \u00A0\u00A0 "},
+        {u"&lt;b&gt; &amp;amp;", u"<b> &amp;"},
+        {u"x&#32;&#32;y", u"x  y"},
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(xhtml::ViewBuilder::collapsedText(ZString(c.raw)), ZString(c.text)) << ZString(c.raw).toUtf8();
+}
+
+TEST(ViewBuilder, KnownElementsGetViewsAndUnknownOnesOnlyTheirContent)
+{
+    LaidOutMarkup page(u"<html><head><title>T</title><style>p{}</style></head><body><p>a<blink>b</blink></p>"
+                       u"<table><tbody> <tr> <td>c</td> </tr></tbody></table><img src=x.png>after</body></html>",
+                       200);
+    EXPECT_EQ(kinds(*page.tree.root()), "block(block(text text) table(tr(td(text))) image text)");
+}
+
+TEST(ViewBuilder, ImagesResolveAgainstTheMarkupsAddress)
+{
+    EXPECT_EQ(xhtml::resolveAddress(ZString(u"res:///captureUi.xhtml"), ZString(u"logo.png")), ZString(u"res:///logo.png"));
+    EXPECT_EQ(xhtml::resolveAddress(ZString(u"res:///ui/page.xhtml"), ZString(u"a.png")), ZString(u"res:///ui/a.png"));
+    EXPECT_EQ(xhtml::resolveAddress(ZString(u"res:///page.xhtml"), ZString(u"https://x/a.png")), ZString(u"https://x/a.png"));
+}
+
+TEST(ViewBuilder, ControlsCarryTheirModel)
+{
+    LaidOutMarkup page(u"<select id=s><option value=a>Alpha</option><option value='b' selected>  Be  </option>"
+                       u"<option selected>Gamma</option></select>"
+                       u"<select id=m multiple size=3><option value=1 selected>one</option><option value=2 selected>two</option></select>"
+                       u"<input id=k type=checkbox name=keep checked/><input id=t value=' x '/>"
+                       u"<input id=h type=hidden name=secret value=v/><textarea id=ta name=notes>a &amp; <b>b</b></textarea>"
+                       u"<input id=b type=button name=start value='  Go &amp; on '/>",
+                       400);
+    const xhtml::ControlModel& single = *page.byId(u"s").control;
+    ASSERT_EQ(single.options.size(), 3u);
+    EXPECT_EQ(single.options[1].label, ZString(u"Be"));
+    EXPECT_EQ(single.options[2].value, ZString(u"Gamma")) << "without a value the label is the value";
+    EXPECT_EQ(single.selectedValue(), ZString(u"Gamma")) << "one choice: the last marked option";
+    const xhtml::ControlModel& multiple = *page.byId(u"m").control;
+    EXPECT_TRUE(multiple.isList());
+    EXPECT_TRUE(multiple.options[0].selected && multiple.options[1].selected);
+    EXPECT_EQ(page.byId(u"k").control->type, ControlType::checkbox);
+    EXPECT_TRUE(page.byId(u"k").control->checked);
+    EXPECT_EQ(page.byId(u"t").control->value, ZString(u" x "));
+    EXPECT_FALSE(page.byId(u"h").isDisplayed());
+    EXPECT_EQ(page.byId(u"ta").control->value, ZString(u"a & <b>b</b>"));
+    EXPECT_EQ(page.byId(u"b").control->value, ZString(u" Go & on "));
+    EXPECT_EQ(page.byId(u"b").control->name, ZString(u"start"));
+}
+
+TEST(SelectValue, SetByOptionValueAndReadBack)
+{
+    LaidOutMarkup page(u"<select id=s><option value=userDefinedArea selected>A</option><option value=screen>S</option>"
+                       u"<option value=file>F</option></select>",
+                       400);
+    xhtml::ControlModel& select = *page.byId(u"s").control;
+    EXPECT_EQ(select.selectedValue(), ZString(u"userDefinedArea"));
+    EXPECT_TRUE(select.selectValue(ZString(u"screen")));
+    EXPECT_EQ(select.selectedValue(), ZString(u"screen"));
+    EXPECT_FALSE(select.options[0].selected) << "one choice: the others lose their mark";
+    for (const char16_t* unknown : {u"", u"clipboard", u"Screen"}) {
+        EXPECT_FALSE(select.selectValue(ZString(unknown)));
+        EXPECT_EQ(select.selectedValue(), ZString(u"screen")) << "an unknown value keeps the selection";
+    }
+}
+
+} // namespace
