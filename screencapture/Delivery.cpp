@@ -6,6 +6,7 @@
 #include "companions/language/Language.h"
 #include "companions/notifyicon/NotifyIcon.h"
 #include "image/GdiplusHelpers.h"
+#include "screencapture/PdfDelivery.h"
 #include "screencapture/ScreenCapture.h"
 
 #include <commdlg.h>
@@ -148,6 +149,7 @@ void deliver(Mode mode, Target target, ScreenCapture& capture)
         return;
     default:
         // pdfPrinter, 0 and unknown values: the PDF path.
+        deliverAsPdf(image, name);
         return;
     }
 }

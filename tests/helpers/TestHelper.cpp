@@ -1,8 +1,10 @@
 // pryxa-test-helper: a second process for tests that need one.
-//   record ARGS...            appends its command line (UTF-8) as one line to the file named
-//                             by %PRYXA_RECORD_FILE%; stands in for programs the module starts
-//   hold-clipboard READY DONE opens the clipboard, sets the event READY and keeps the
-//                             clipboard open until the event DONE is set (30 s at most)
+//   hold-clipboard READY DONE  opens the clipboard, sets the event READY and keeps the
+//                              clipboard open until the event DONE is set (30 s at most)
+//   hold-mutex NAME READY DONE holds the named mutex likewise
+//   anything else              appends its command line (UTF-8) as one line to the file
+//                              named by %PRYXA_RECORD_FILE%: it stands in for programs that
+//                              the module starts, under whatever name they are copied to
 
 #include <windows.h>
 
@@ -33,22 +35,19 @@ int record()
     return 0;
 }
 
-int holdClipboard(const wchar_t* readyName, const wchar_t* doneName)
+// Sets READY once `acquire` succeeded, waits for DONE (30 s at most), then lets go.
+template <typename Acquire, typename Release>
+int holdUntilDone(const wchar_t* readyName, const wchar_t* doneName, Acquire acquire, Release release)
 {
     HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, readyName);
     HANDLE done = OpenEventW(SYNCHRONIZE, FALSE, doneName);
-    // Opened for a window, as programs do: Wine lets a second OpenClipboard(NULL) through
-    // while the clipboard is open for no window.
-    HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
     int status = 5;
-    if (ready && done && window && OpenClipboard(window)) {
+    if (ready && done && acquire()) {
         SetEvent(ready);
         WaitForSingleObject(done, 30000);
-        CloseClipboard();
+        release();
         status = 0;
     }
-    if (window)
-        DestroyWindow(window);
     if (ready)
         CloseHandle(ready);
     if (done)
@@ -56,15 +55,33 @@ int holdClipboard(const wchar_t* readyName, const wchar_t* doneName)
     return status;
 }
 
+int holdClipboard(const wchar_t* readyName, const wchar_t* doneName)
+{
+    // Opened for a window, as programs do: Wine lets a second OpenClipboard(NULL) through
+    // while the clipboard is open for no window.
+    HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    const int status = holdUntilDone(readyName, doneName, [&] { return window && OpenClipboard(window); },
+                                     [] { CloseClipboard(); });
+    if (window)
+        DestroyWindow(window);
+    return status;
+}
+
+int holdMutex(const wchar_t* name, const wchar_t* readyName, const wchar_t* doneName)
+{
+    HANDLE mutex = nullptr;
+    return holdUntilDone(readyName, doneName, [&] { return (mutex = CreateMutexW(nullptr, TRUE, name)) != nullptr; },
+                         [&] { CloseHandle(mutex); });
+}
+
 } // namespace
 
 int wmain(int argc, wchar_t** argv)
 {
     const std::wstring command = argc > 1 ? argv[1] : L"";
-    if (command == L"record")
-        return record();
     if (command == L"hold-clipboard" && argc == 4)
         return holdClipboard(argv[2], argv[3]);
-    std::fprintf(stderr, "usage: pryxa-test-helper record ARGS... | hold-clipboard READY DONE\n");
-    return 2;
+    if (command == L"hold-mutex" && argc == 5)
+        return holdMutex(argv[2], argv[3], argv[4]);
+    return record();
 }

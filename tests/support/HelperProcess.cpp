@@ -69,18 +69,18 @@ ZString helperProgramPath()
     return moduleFolder(GetModuleHandleW(nullptr)) + L"\\pryxa-test-helper.exe";
 }
 
-ClipboardHolder::ClipboardHolder()
+HeldByHelper::HeldByHelper(const ZString& command)
 {
-    const ZString base = ZString::format(L"PryxaClipboardHolder-%lu-%d", GetCurrentProcessId(), ++holderCounter);
+    const ZString base = ZString::format(L"PryxaHeldByHelper-%lu-%d", GetCurrentProcessId(), ++holderCounter);
     const ZString readyName = base + L"-ready";
     const ZString doneName = base + L"-done";
     ready_ = KernelHandle(CreateEventW(nullptr, TRUE, FALSE, readyName.c_str()));
     done_ = KernelHandle(CreateEventW(nullptr, TRUE, FALSE, doneName.c_str()));
-    process_ = startHelper(L"hold-clipboard " + readyName + L" " + doneName);
+    process_ = startHelper(command + L" " + readyName + L" " + doneName);
     holding_ = process_ && WaitForSingleObject(ready_.get(), 10000) == WAIT_OBJECT_0;
 }
 
-ClipboardHolder::~ClipboardHolder()
+HeldByHelper::~HeldByHelper()
 {
     if (done_)
         SetEvent(done_.get());
@@ -104,6 +104,11 @@ CommandRecorder::~CommandRecorder()
 ZString CommandRecorder::commandFor(const ZString& arguments)
 {
     return L"\"" + helperProgramPath() + L"\" record " + arguments;
+}
+
+bool CommandRecorder::installAs(const ZString& path)
+{
+    return CopyFileW(helperProgramPath().c_str(), path.c_str(), FALSE) != FALSE;
 }
 
 std::vector<std::string> CommandRecorder::lines() const

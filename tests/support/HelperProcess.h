@@ -16,15 +16,17 @@ ZString helperProgramPath();
 // output and error.
 int runProgram(const ZString& commandLine, std::string& output, unsigned timeoutMs = 60000);
 
-// Keeps the clipboard open in another process for the object's lifetime.
-class ClipboardHolder {
+// Keeps something in another process for the object's lifetime: the helper's "hold-..."
+// commands, given the events they wait on.
+class HeldByHelper {
 public:
-    ClipboardHolder();
-    ~ClipboardHolder();
-    ClipboardHolder(const ClipboardHolder&) = delete;
-    ClipboardHolder& operator=(const ClipboardHolder&) = delete;
+    // `command` and its first arguments, such as L"hold-mutex Pryxa-DocTool-Sink".
+    explicit HeldByHelper(const ZString& command);
+    ~HeldByHelper();
+    HeldByHelper(const HeldByHelper&) = delete;
+    HeldByHelper& operator=(const HeldByHelper&) = delete;
 
-    // True once the other process has the clipboard open.
+    // True once the other process holds it.
     bool holding() const { return holding_; }
 
 private:
@@ -32,6 +34,18 @@ private:
     KernelHandle done_;
     KernelHandle process_;
     bool holding_ = false;
+};
+
+// Keeps the clipboard open in another process.
+class ClipboardHolder : public HeldByHelper {
+public:
+    ClipboardHolder() : HeldByHelper(L"hold-clipboard") {}
+};
+
+// Holds a named mutex in another process.
+class MutexHolder : public HeldByHelper {
+public:
+    explicit MutexHolder(const ZString& name) : HeldByHelper(L"hold-mutex " + name) {}
 };
 
 // Points the helper's "record" command at a fresh file in `folder`; lines() reads what the
@@ -45,6 +59,8 @@ public:
 
     // The command line with which the helper is started to record.
     static ZString commandFor(const ZString& arguments);
+    // Copies the helper to `path`, where it records under that name.
+    static bool installAs(const ZString& path);
     std::vector<std::string> lines() const;
     // Waits (pumping messages) until at least `count` lines are there.
     bool waitForLines(size_t count, unsigned timeoutMs = 10000) const;

@@ -1,0 +1,93 @@
+#include "screencapture/FileHandlerArgs.h"
+
+#include <gtest/gtest.h>
+
+namespace screenCapture {
+namespace {
+
+std::string utf8(const ZString& s) { return s.toUtf8(); }
+ZString z(const char* text) { return ZString::fromUtf8(text); }
+
+TEST(FileHandlerArgs, OptionsComeInTheirOrderAndOnlyWithValues)
+{
+    FileHandlerArgs capture;
+    capture.files = {z("C:\\Temp\\Pryxa\\screenCapture-_0_1_2.pdf")};
+    capture.name = z("Screen capture");
+    capture.deleteFile = true;
+    EXPECT_EQ(utf8(capture.commandLine()), "-deleteFile -name \"Screen capture\" C:\\Temp\\Pryxa\\screenCapture-_0_1_2.pdf");
+
+    FileHandlerArgs all;
+    all.files = {z("a.pdf"), z("b c.pdf")};
+    all.dir = z("D:\\out");
+    all.name = z("n");
+    all.profile = z("p");
+    all.serviceName = z("s");
+    all.owner = z("o");
+    all.deleteFile = true;
+    EXPECT_EQ(utf8(all.commandLine()), "-deleteFiles -dir D:\\out -name n -profile p -serviceName s -owner o a.pdf \"b c.pdf\"");
+
+    FileHandlerArgs keep;
+    keep.files = {z("x.pdf")};
+    EXPECT_EQ(utf8(keep.commandLine()), "x.pdf") << "no delete option when the files stay";
+}
+
+// How Windows programs split a command line (CommandLineToArgvW), to check the quoting
+// against: the assistant must get back exactly the item that was quoted.
+std::vector<std::string> splitLikeWindows(const std::string& line)
+{
+    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    std::vector<std::string> items;
+    size_t i = 0;
+    for (;;) {
+        while (i < line.size() && blank(line[i]))
+            ++i;
+        if (i == line.size())
+            return items;
+        std::string item;
+        bool quoted = false;
+        while (i < line.size() && (quoted || !blank(line[i]))) {
+            size_t backslashes = 0;
+            while (i < line.size() && line[i] == '\\')
+                ++backslashes, ++i;
+            if (i < line.size() && line[i] == '"') {
+                // 2n backslashes and a quote: n backslashes and a toggle; 2n+1: a literal quote.
+                item.append(backslashes / 2, '\\');
+                if (backslashes % 2)
+                    item.push_back('"');
+                else
+                    quoted = !quoted;
+                ++i;
+                continue;
+            }
+            item.append(backslashes, '\\');
+            if (i < line.size() && (quoted || !blank(line[i])))
+                item.push_back(line[i++]);
+        }
+        items.push_back(item);
+    }
+}
+
+TEST(FileHandlerArgs, QuotedItemsComeBackWhole)
+{
+    const char* items[] = {"plain",
+                           "with blank",
+                           "",
+                           "tab\there",
+                           "say \"hi\"",
+                           "C:\\Program Files\\Pryxa\\",
+                           "C:\\dir\\",
+                           "back\\\\\"slash",
+                           "\\\\server\\share\\a b.pdf"};
+    for (const char* item : items) {
+        const std::string quoted = utf8(quoteArgument(z(item)));
+        const std::vector<std::string> split = splitLikeWindows("-name " + quoted + " next");
+        ASSERT_EQ(split.size(), 3u) << quoted;
+        EXPECT_EQ(split[1], item) << quoted;
+        EXPECT_EQ(split[2], "next") << quoted;
+    }
+    EXPECT_EQ(utf8(quoteArgument(z("C:\\dir\\"))), "C:\\dir\\") << "no blank: left alone";
+    EXPECT_EQ(utf8(quoteArgument(z("C:\\a b\\"))), "\"C:\\a b\\\\\"");
+}
+
+} // namespace
+} // namespace screenCapture
