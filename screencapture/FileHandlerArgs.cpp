@@ -1,5 +1,8 @@
 #include "screencapture/FileHandlerArgs.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace screenCapture {
 
 namespace {
@@ -62,6 +65,47 @@ ZString FileHandlerArgs::commandLine() const
     for (const ZString& file : files)
         appendItem(line, file);
     return line;
+}
+
+bool parseFileHandlerArgs(const std::vector<ZString>& items, FileHandlerArgs& args, ZString& error)
+{
+    FileHandlerArgs parsed;
+    const struct {
+        const ZChar* option;
+        ZString FileHandlerArgs::*value;
+    } valued[] = {{ZSTR("-dir"), &FileHandlerArgs::dir},
+                  {ZSTR("-name"), &FileHandlerArgs::name},
+                  {ZSTR("-profile"), &FileHandlerArgs::profile},
+                  {ZSTR("-serviceName"), &FileHandlerArgs::serviceName},
+                  {ZSTR("-owner"), &FileHandlerArgs::owner}};
+    for (size_t i = 0; i < items.size(); ++i) {
+        const ZString& item = items[i];
+        if (item == ZSTR("-deleteFile") || item == ZSTR("-deleteFiles")) {
+            parsed.deleteFile = true;
+            continue;
+        }
+        if (!item.startsWith(ZSTR("-"))) {
+            parsed.files.push_back(item);
+            continue;
+        }
+        const auto known = std::find_if(std::begin(valued), std::end(valued),
+                                         [&](const auto& option) { return item == option.option; });
+        if (known == std::end(valued)) {
+            error = ZSTR("unknown option ") + item;
+            return false;
+        }
+        if (++i == items.size()) {
+            error = ZSTR("no value after ") + item;
+            return false;
+        }
+        parsed.*(known->value) = items[i];
+    }
+    if (parsed.files.empty()) {
+        error = ZSTR("no file given");
+        return false;
+    }
+    args = std::move(parsed);
+    return true;
 }
 
 } // namespace screenCapture

@@ -34,4 +34,8 @@ struct FileHandlerArgs {
 // One command-line item, quoted as described above when it needs it.
 ZString quoteArgument(const ZString& item);
 
+// Reads the items of such a command line, already split, back into `args`. False with
+// `error` naming the item for an unknown option, an option without its value, or no file.
+bool parseFileHandlerArgs(const std::vector<ZString>& items, FileHandlerArgs& args, ZString& error);
+
 } // namespace screenCapture

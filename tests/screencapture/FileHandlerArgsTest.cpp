@@ -89,5 +89,50 @@ TEST(FileHandlerArgs, QuotedItemsComeBackWhole)
     EXPECT_EQ(utf8(quoteArgument(z("C:\\a b\\"))), "\"C:\\a b\\\\\"");
 }
 
+std::vector<ZString> zs(std::initializer_list<const char*> items)
+{
+    std::vector<ZString> out;
+    for (const char* item : items)
+        out.push_back(z(item));
+    return out;
+}
+
+TEST(FileHandlerArgs, ReadBackWhatTheCommandLineSays)
+{
+    FileHandlerArgs sent;
+    sent.files = {z("C:\\a b\\x.pdf"), z("y.pdf")};
+    sent.dir = z("D:\\out dir\\");
+    sent.name = z("Report \"Q3\"");
+    sent.owner = z("4711");
+    sent.deleteFile = true;
+    std::vector<ZString> items;
+    for (const std::string& item : splitLikeWindows(utf8(sent.commandLine())))
+        items.push_back(z(item.c_str()));
+    FileHandlerArgs received;
+    ZString error;
+    ASSERT_TRUE(parseFileHandlerArgs(items, received, error)) << utf8(error);
+    EXPECT_EQ(received.files, sent.files);
+    EXPECT_EQ(received.dir, sent.dir);
+    EXPECT_EQ(received.name, sent.name);
+    EXPECT_EQ(received.owner, sent.owner);
+    EXPECT_TRUE(received.profile.isEmpty());
+    EXPECT_TRUE(received.deleteFile);
+
+    const struct {
+        std::vector<ZString> items;
+        const char* error;
+    } bad[] = {{zs({"-bogus", "x.pdf"}), "unknown option -bogus"},
+               {zs({"x.pdf", "-name"}), "no value after -name"},
+               {zs({"-deleteFile", "-name", "n"}), "no file given"},
+               {{}, "no file given"}};
+    for (const auto& b : bad) {
+        FileHandlerArgs untouched;
+        untouched.name = z("kept");
+        EXPECT_FALSE(parseFileHandlerArgs(b.items, untouched, error)) << b.error;
+        EXPECT_EQ(utf8(error), b.error);
+        EXPECT_EQ(utf8(untouched.name), "kept") << "a bad line changes nothing";
+    }
+}
+
 } // namespace
 } // namespace screenCapture
