@@ -42,9 +42,10 @@ TEST(ViewBuilder, TextIsCollapsedThenDecoded)
 TEST(ViewBuilder, KnownElementsGetViewsAndUnknownOnesOnlyTheirContent)
 {
     LaidOutMarkup page(u"<html><head><title>T</title><style>p{}</style></head><body><p>a<blink>b</blink></p>"
-                       u"<table><tbody> <tr> <td>c</td> </tr></tbody></table><img src=x.png>after</body></html>",
+                       u"<table><tbody> <tr> <td>c</td> </tr></tbody></table><img src=x.png>after"
+                       u"<select><option>o</option></select><textarea>t</textarea></body></html>",
                        200);
-    EXPECT_EQ(kinds(*page.tree.root()), "block(block(text text) table(tr(td(text))) image text)");
+    EXPECT_EQ(kinds(*page.tree.root()), "block(block(text text) table(tr(td(text))) image text control control)");
 }
 
 TEST(ViewBuilder, ImagesResolveAgainstTheMarkupsAddress)

@@ -50,10 +50,10 @@ bool isHiddenContainer(const ZString& name)
 
 // img, br, hr and input have no content of their own: what the parser put inside them
 // (written without "/>") is built after them instead.
-bool hoistsContent(ViewKind kind)
+bool hoistsContent(const HtmlTagNode& element, ViewKind kind)
 {
     return kind == ViewKind::image || kind == ViewKind::lineBreak || kind == ViewKind::rule
-           || kind == ViewKind::control;
+           || equals(element.name(), u"input");
 }
 
 ZString rawText(const HtmlTagNode& element)
@@ -205,10 +205,10 @@ public:
             View* view = into.appendChild(makeView(tag, known->kind));
             if (known->kind == ViewKind::control)
                 view->control = makeControl(tag);
-            if (hoistsContent(known->kind))
+            if (hoistsContent(tag, known->kind))
                 buildChildren(tag, into, depth + 1);
-            else
-                buildChildren(tag, *view, depth + 1);
+            else if (known->kind != ViewKind::control)
+                buildChildren(tag, *view, depth + 1); // a select's options and a text area's text are its model
         }
     }
 
