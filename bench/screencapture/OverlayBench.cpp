@@ -168,7 +168,8 @@ int main()
                 small.small.mean, kSmallMoves);
     std::printf("mouse move, damaged area 3000x2000: median %.3f ms, mean %.3f ms (%d moves)\n", large.large.median,
                 large.large.mean, kLargeMoves);
-    std::printf("small move / large move: %.1f%% (goal: at most 5%%)\n", 100.0 * small.small.median / large.large.median);
+    std::printf("small move / large move: %.1f%% (goal: at most 5%%)\n",
+                100.0 * small.small.median / large.large.median);
     UnhookWindowsHookEx(hook);
     return 0;
 }

@@ -64,7 +64,9 @@ class Overlay {
 public:
     Overlay(UiRobot& robot, QueueMarker& marker)
         : window_(robot.waitForWindow(
-            [](HWND w) { return _wcsicmp(windowClass(w).c_str(), L"Static") == 0 && windowText(w) == L"ScreenCapture"; },
+            [](HWND w) {
+                return _wcsicmp(windowClass(w).c_str(), L"Static") == 0 && windowText(w) == L"ScreenCapture";
+            },
             "the overlay")),
           marker_(marker)
     {
@@ -154,11 +156,14 @@ bool isVeiled(uint32_t seen, uint32_t clear)
 }
 
 // Reads the screen until `ready` holds (the overlay's drawing has reached the display), at
-// most a few seconds; the last picture either way.
-PixelGrid screenOnce(const RECT& area, const std::function<bool(const PixelGrid&)>& ready)
+// most a few seconds; the last picture either way. Wine may hold back drawing done outside
+// WM_PAINT until the window's thread has another message to take, so each try posts one
+// that the overlay ignores, as a moving mouse would bring one.
+PixelGrid screenOnce(HWND overlay, const RECT& area, const std::function<bool(const PixelGrid&)>& ready)
 {
     PixelGrid grid = readScreenPixels(area);
     for (int i = 0; i < 150 && !ready(grid); ++i) {
+        PostMessageW(overlay, WM_NULL, 0, 0);
         Sleep(20);
         grid = readScreenPixels(area);
     }
@@ -347,7 +352,8 @@ TEST_F(CaptureWindowLook, BeforeADragTheWholeScreenIsVeiled)
 
     ScreenCapture capture(nullptr);
     selectWith(capture, [&](Overlay& o, UiRobot&) {
-        seen = screenOnce(screen, [&](const PixelGrid& g) { return isVeiled(g.at(500, 350), before.at(500, 350)); });
+        seen = screenOnce(o.handle(), screen,
+                          [&](const PixelGrid& g) { return isVeiled(g.at(500, 350), before.at(500, 350)); });
         o.keyUp(VK_ESCAPE);
     });
 
@@ -404,17 +410,22 @@ Edge dragAndLook(POINT from, POINT to)
     const PixelGrid before = readScreenPixels(area);
     PixelGrid seen;
     const POINT inside = {(from.x + to.x) / 2 - area.left, (from.y + to.y) / 2 - area.top};
-    const POINT outside = {to.x + 20 - area.left, to.y + 20 - area.top};
+    // Clear after the first move, veiled again after the second: seen veiled, both have arrived.
+    const POINT leftBehind = {to.x + 20 - area.left, (from.y + to.y) / 2 - area.top};
 
+    // The system reports the real mouse position too (for instance when the overlay appears
+    // under it); with the mouse resting where the drag ends, such a report changes nothing.
+    SetCursorPos(to.x, to.y);
+    pumpMessages(50);
     ScreenCapture capture(nullptr);
     selectWith(capture, [&](Overlay& o, UiRobot&) {
         o.press(from);
         o.moveTo({to.x + 40, to.y - 30});
         o.moveTo(to);
         o.settle();
-        seen = screenOnce(area, [&](const PixelGrid& g) {
+        seen = screenOnce(o.handle(), area, [&](const PixelGrid& g) {
             return lookOf(g.at(inside.x, inside.y), before.at(inside.x, inside.y)) == Look::clear
-                && lookOf(g.at(outside.x, outside.y), before.at(outside.x, outside.y)) == Look::veiled;
+                && lookOf(g.at(leftBehind.x, leftBehind.y), before.at(leftBehind.x, leftBehind.y)) == Look::veiled;
         });
         o.keyUp(VK_ESCAPE);
     });
@@ -478,7 +489,8 @@ public:
     ~DisplayDpiSetting()
     {
         if (hadValue_)
-            RegSetValueExW(key_, L"LogPixels", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&previous_), sizeof previous_);
+            RegSetValueExW(key_, L"LogPixels", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&previous_),
+                           sizeof previous_);
         else
             RegDeleteValueW(key_, L"LogPixels");
         RegCloseKey(key_);

@@ -12,7 +12,9 @@ bool sameRect(const RECT& a, const RECT& b)
 
 LPARAM mouseLParam(int x, int y)
 {
-    return static_cast<LPARAM>(static_cast<DWORD>(static_cast<WORD>(x)) | (static_cast<DWORD>(static_cast<WORD>(y)) << 16));
+    const DWORD low = static_cast<WORD>(x);
+    const DWORD high = static_cast<WORD>(y);
+    return static_cast<LPARAM>(low | (high << 16));
 }
 
 TEST(SelectionGeometry, SelectionIsTheSameRectangleWhicheverWayItWasDragged)
