@@ -9,6 +9,8 @@
 #include "screencapture/CaptureRun.h"
 #include "screencapture/Delivery.h"
 #include "screencapture/ModuleInstance.h"
+#include "screencapture/ui/InAppPage.h"
+#include "base/win/RegistryKey.h"
 #include "tests/screencapture/CaptureTestKit.h"
 #include "tests/support/UiRobot.h"
 
@@ -286,6 +288,71 @@ TEST_F(CaptureDialog, LooksAsDesigned)
     }
     EXPECT_EQ(p.height - separator - 1, 50) << "the bottom bar";
     EXPECT_NEAR(grey(p.at(2, separator + 1)), 0xE8, 2);
+}
+
+// A page that records where the dialog puts it and what it is asked to show.
+struct PageRecord {
+    int made = 0;
+    RECT bounds = {};
+    std::wstring address;
+};
+PageRecord pageRecord;
+
+class RecordingPage : public screenCapture::InAppPage {
+public:
+    void setBounds(const RECT& bounds) override { pageRecord.bounds = bounds; }
+    void navigate(const ZString& address) override { pageRecord.address = address.c_str(); }
+};
+
+std::unique_ptr<screenCapture::InAppPage> makeRecordingPage(HWND)
+{
+    ++pageRecord.made;
+    return std::make_unique<RecordingPage>();
+}
+
+// Runs the dialog of this program's run with the recording page installed and closes it;
+// returns the bottom bar's place in the client area as the robot measured it.
+RECT runWithInAppPage()
+{
+    screenCapture::setModuleInstance(GetModuleHandleW(L"screencapture.dll"));
+    screenCapture::inAppPageFactory = makeRecordingPage;
+    pageRecord = PageRecord();
+    RECT bottomBar = {};
+    UiRobot robot([&](UiRobot& r) {
+        HWND dialog = waitForDialog(r);
+        RECT client;
+        GetClientRect(dialog, &client);
+        bottomBar = RECT{0, client.bottom - 50, client.right, client.bottom};
+        PostMessageW(dialog, WM_CLOSE, 0, 0);
+        r.waitForWindowGone(dialog);
+    });
+    screenCapture::performCapture(screenCapture::noMode, screenCapture::noTarget);
+    screenCapture::inAppPageFactory = nullptr;
+    screenCapture::setModuleInstance(nullptr);
+    EXPECT_EQ(robot.finish(), "");
+    return bottomBar;
+}
+
+TEST_F(CaptureDialog, InAppPageCoversTheBottomBarOnlyWhenTheFeatureIsOn)
+{
+    runWithInAppPage();
+    EXPECT_EQ(pageRecord.made, 0) << "the feature is off unless switched on";
+
+    const ZString user = env.registryKey() + L"\\User";
+    ASSERT_TRUE(RegistryKey::openForWriting(HKEY_CURRENT_USER, user).writeDword(L"feature.embeddedBrowser", 1));
+    const RECT bar = runWithInAppPage();
+    ASSERT_EQ(pageRecord.made, 1);
+    EXPECT_EQ(pageRecord.bounds.left, bar.left);
+    EXPECT_EQ(pageRecord.bounds.top, bar.top);
+    EXPECT_EQ(pageRecord.bounds.right, bar.right);
+    EXPECT_EQ(pageRecord.bounds.bottom, bar.bottom);
+    EXPECT_EQ(pageRecord.address.rfind(L"https://", 0), 0u);
+    EXPECT_NE(pageRecord.address.find(L"/inapp/screenCapture/"), std::wstring::npos);
+
+    const ZString program = env.registryKey() + L"\\Program";
+    ASSERT_TRUE(RegistryKey::openForWriting(HKEY_CURRENT_USER, program).writeDword(L"NoEmbeddedBrowser", 1));
+    runWithInAppPage();
+    EXPECT_EQ(pageRecord.made, 0) << "the program setting switches it off";
 }
 
 } // namespace

@@ -61,8 +61,10 @@ void addAtom(View& view, LayoutEnv& env, int available, bool layoutAtoms, std::v
         view.box = Rect{0, 0, size.width, size.height};
     } else if (layoutAtoms) {
         // An inline block (or a block inside an inline): as wide as its content allows.
-        const int width = std::min(maxContentWidth(view, env), available) - marginX;
-        layoutBlockOfWidth(view, env, 0, 0, std::max(width, minContentWidth(view, env) - marginX), -1);
+        int minWidth = 0;
+        int maxWidth = 0;
+        intrinsicWidths(view, env, minWidth, maxWidth);
+        layoutBlockOfWidth(view, env, 0, 0, std::max(std::min(maxWidth, available), minWidth) - marginX, -1);
     } else {
         view.box = Rect{0, 0, maxContentWidth(view, env) - marginX, 0};
     }

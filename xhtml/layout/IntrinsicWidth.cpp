@@ -36,8 +36,11 @@ void blockContentWidths(View& view, LayoutEnv& env, int& minWidth, int& maxWidth
             continue;
         }
         flush();
-        minWidth = std::max(minWidth, minContentWidth(*child, env));
-        maxWidth = std::max(maxWidth, maxContentWidth(*child, env));
+        int childMin = 0;
+        int childMax = 0;
+        intrinsicWidths(*child, env, childMin, childMax);
+        minWidth = std::max(minWidth, childMin);
+        maxWidth = std::max(maxWidth, childMax);
     }
     flush();
 }
@@ -101,6 +104,17 @@ void inlineRunWidths(const std::vector<View*>& run, LayoutEnv& env, int& minWidt
         maxWidth = std::max(maxWidth, line);
         minWidth = std::max(minWidth, piece);
     }
+}
+
+void intrinsicWidths(View& view, LayoutEnv& env, int& minWidth, int& maxWidth)
+{
+    minWidth = maxWidth = 0;
+    if (!view.isDisplayed())
+        return;
+    if (view.isBlockLevel() || view.isAtom())
+        blockWidths(view, env, minWidth, maxWidth);
+    else
+        inlineRunWidths({&view}, env, minWidth, maxWidth);
 }
 
 int maxContentWidth(View& view, LayoutEnv& env)

@@ -57,6 +57,8 @@ Size atomSize(View& view, LayoutEnv& env, int available);
 // (min).
 int maxContentWidth(View& view, LayoutEnv& env);
 int minContentWidth(View& view, LayoutEnv& env);
+// Both at once, for the price of one.
+void intrinsicWidths(View& view, LayoutEnv& env, int& minWidth, int& maxWidth);
 // The same for a run of inline-level views.
 void inlineRunWidths(const std::vector<View*>& run, LayoutEnv& env, int& minWidth, int& maxWidth);
 // The intrinsic widths of a table's border box.

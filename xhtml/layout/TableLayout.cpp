@@ -120,8 +120,11 @@ Columns measureColumns(View& table, Grid& grid, LayoutEnv& env, int spacing)
         View& view = *cell.view;
         const int c = cell.column;
         const int frame = horizontalFrame(view, 0);
-        columns.minimum[c] = std::max(columns.minimum[c], minContentWidth(view, env));
-        columns.maximum[c] = std::max(columns.maximum[c], maxContentWidth(view, env));
+        int minWidth = 0;
+        int maxWidth = 0;
+        intrinsicWidths(view, env, minWidth, maxWidth);
+        columns.minimum[c] = std::max(columns.minimum[c], minWidth);
+        columns.maximum[c] = std::max(columns.maximum[c], maxWidth);
         if (view.style.width.set && view.style.width.percent)
             columns.percent[c] = std::max(columns.percent[c], view.style.width.value);
         else if (view.style.width.set)
@@ -135,8 +138,11 @@ Columns measureColumns(View& table, Grid& grid, LayoutEnv& env, int spacing)
     for (const GridCell& cell : grid.cells) {
         if (cell.columns == 1)
             continue;
-        spread(columns.minimum, cell.column, cell.columns, minContentWidth(*cell.view, env), spacing);
-        spread(columns.maximum, cell.column, cell.columns, maxContentWidth(*cell.view, env), spacing);
+        int minWidth = 0;
+        int maxWidth = 0;
+        intrinsicWidths(*cell.view, env, minWidth, maxWidth);
+        spread(columns.minimum, cell.column, cell.columns, minWidth, spacing);
+        spread(columns.maximum, cell.column, cell.columns, maxWidth, spacing);
     }
     return columns;
 }

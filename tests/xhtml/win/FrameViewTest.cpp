@@ -1,0 +1,166 @@
+// The markup host as a window: native controls and their values, button and link
+// listeners, resources and images by "res:///" address, and fitting to the content.
+
+#include "xhtml/win/GdiCanvas.h"
+#include "xhtml/win/ModuleResourceLoader.h"
+#include "xhtml/win/XhtmlFrameView.h"
+#include "tests/support/UiRobot.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+using xhtml::XhtmlFrameView;
+
+namespace {
+
+class GdiplusOn {
+public:
+    GdiplusOn()
+    {
+        Gdiplus::GdiplusStartupInput input;
+        Gdiplus::GdiplusStartup(&token_, &input, nullptr);
+    }
+    ~GdiplusOn() { Gdiplus::GdiplusShutdown(token_); }
+
+private:
+    ULONG_PTR token_ = 0;
+};
+
+class Frame : public XhtmlFrameView {
+public:
+    Frame()
+    {
+        XhtmlFrameView::registerClass(GetModuleHandleW(nullptr));
+        create(0, className, L"test frame", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400, 300, nullptr, nullptr,
+               GetModuleHandleW(nullptr), this);
+    }
+};
+
+struct Presses : xhtml::ButtonListener, xhtml::LinkListener {
+    std::vector<std::wstring> heard;
+    void onButtonPressed(const ZString& name) override { heard.push_back(L"button " + std::wstring(name.c_str())); }
+    void onLinkClicked(const ZString& href) override { heard.push_back(L"link " + std::wstring(href.c_str())); }
+};
+
+class MarkupHost : public testing::Test {
+protected:
+    GdiplusOn gdiplus;
+    Frame frame;
+};
+
+const wchar_t* const kSelects =
+    L"<select id=s><option value=a>Alpha</option><option value=b selected>Beta</option><option value=c>Gamma</option></select>"
+    L"<select id=m multiple><option value=1>one</option><option value=2>two</option><option value=3>three</option></select>"
+    L"<input type=button name=go value=Go/><input type=button name=stop value=Stop/><a href='next.xhtml'>next</a>";
+
+TEST_F(MarkupHost, SelectValueIsSetByOptionValueQuietlyAndReadBackAsTheUserLeftIt)
+{
+    frame.setMarkup(kSelects);
+    HWND combo = frame.controlWindow(L"s");
+    ASSERT_NE(combo, nullptr);
+    EXPECT_EQ(frame.selectValue(L"s"), ZString(L"b"));
+    EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), 1);
+
+    EXPECT_TRUE(frame.setSelectValue(L"s", L"c"));
+    EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), 2) << "the window shows the new choice";
+    EXPECT_EQ(frame.selectValue(L"s"), ZString(L"c"));
+    EXPECT_FALSE(frame.setSelectValue(L"s", L"clipboard"));
+    EXPECT_FALSE(frame.setSelectValue(L"nothing", L"a"));
+    EXPECT_EQ(frame.selectValue(L"s"), ZString(L"c")) << "an unknown value keeps the selection";
+
+    SendMessageW(combo, CB_SETCURSEL, 0, 0); // the user's choice, however it arrived
+    EXPECT_EQ(frame.selectValue(L"s"), ZString(L"a"));
+
+    HWND list = frame.controlWindow(L"m");
+    ASSERT_NE(list, nullptr);
+    EXPECT_EQ(windowClass(list), L"ListBox");
+    EXPECT_TRUE(frame.setSelectValue(L"m", L"3"));
+    EXPECT_TRUE(frame.setSelectValue(L"m", L"2"));
+    EXPECT_GT(SendMessageW(list, LB_GETSEL, 2, 0), 0) << "several choices: the earlier one stays";
+    EXPECT_EQ(frame.selectValue(L"m"), ZString(L"2"));
+}
+
+TEST_F(MarkupHost, ButtonPressesReachTheListenerByName)
+{
+    Presses presses;
+    frame.context().setButtonListener(&presses);
+    frame.context().setLinkListener(&presses);
+    frame.setMarkup(kSelects);
+    for (HWND child = GetWindow(frame.handle(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        if (windowClass(child) == L"Button" && windowText(child) == L"Stop")
+            SendMessageW(child, BM_CLICK, 0, 0);
+    }
+    pumpMessages(50);
+    xhtml::View* next = nullptr;
+    frame.views().forEach([&](xhtml::View& view) {
+        if (!view.href.isEmpty())
+            next = &view;
+    });
+    ASSERT_NE(next, nullptr);
+    const LPARAM at = MAKELPARAM(next->box.x + 2, next->box.y + 2);
+    SendMessageW(frame.handle(), WM_LBUTTONDOWN, MK_LBUTTON, at);
+    SendMessageW(frame.handle(), WM_LBUTTONUP, 0, at);
+    EXPECT_EQ(presses.heard, (std::vector<std::wstring>{L"button stop", L"link next.xhtml"}));
+}
+
+TEST_F(MarkupHost, LoadsMarkupAndImagesFromTheModulesResourcesWithTheirAlpha)
+{
+    frame.context().setResourceLoader(std::make_unique<xhtml::ModuleResourceLoader>(GetModuleHandleW(nullptr)));
+    EXPECT_FALSE(frame.load(L"res:///missing.xhtml"));
+    EXPECT_FALSE(frame.load(L"https://example.com/page.xhtml"));
+    ASSERT_TRUE(frame.load(L"res:///page.xhtml"));
+    EXPECT_EQ(frame.elementRect(L"dot"), (xhtml::Rect{3, 3, 4, 2}));
+
+    std::vector<uint8_t> bytes;
+    ASSERT_TRUE(frame.context().resourceLoader()->load(L"res:///Dot.png", bytes)) << "names ignore case";
+    std::unique_ptr<Gdiplus::Bitmap> image = xhtml::ImageCache::decode(bytes);
+    ASSERT_TRUE(image);
+    Gdiplus::Color left, right;
+    image->GetPixel(0, 0, &left);
+    image->GetPixel(3, 1, &right);
+    EXPECT_EQ(left.GetValue(), 0xFFFF0000u);
+    EXPECT_EQ(right.GetAlpha(), 0) << "the transparent half stays transparent";
+    EXPECT_FALSE(xhtml::ImageCache::decode({1, 2, 3}));
+}
+
+RECT clientOf(HWND window)
+{
+    RECT client;
+    GetClientRect(window, &client);
+    return client;
+}
+
+TEST_F(MarkupHost, SizesToItsContentOnceAfterABurstOfChanges)
+{
+    const RECT before = clientOf(frame.handle());
+    frame.setAxisMode(3, 0);
+    frame.setSizeToContent(true, true);
+    frame.setMarkup(L"<div style='width:120px; height:40px'></div>");
+    frame.setMarkup(L"<div style='width:150px; height:60px'></div>");
+    EXPECT_EQ(clientOf(frame.handle()).right, before.right) << "the fit waits";
+    pumpMessages(200);
+    RECT client = clientOf(frame.handle());
+    EXPECT_EQ(client.right, 150);
+    EXPECT_EQ(client.bottom, 60);
+
+    frame.setSizeToContent(false, true);
+    frame.setMarkup(L"<div style='width:90px; height:70px'></div>");
+    frame.requestFit(true);
+    client = clientOf(frame.handle());
+    EXPECT_EQ(client.right, 150) << "the width no longer follows";
+    EXPECT_EQ(client.bottom, 70);
+}
+
+TEST_F(MarkupHost, PercentagesFollowTheWindowWhenItDoesNotSizeItself)
+{
+    frame.setMarkup(L"<div id=half style='width:50%; height:100%'></div>");
+    frame.setClientSize(300, 200);
+    EXPECT_EQ(frame.elementRect(L"half"), (xhtml::Rect{0, 0, 150, 200}));
+    frame.setAxisMode(3, 1);
+    frame.setMarkup(L"<div id=small style='width:100px; height:50px'></div>");
+    EXPECT_EQ(frame.elementRect(L"small"), (xhtml::Rect{0, 75, 100, 50})) << "a block fills the width; centred vertically";
+}
+
+} // namespace
