@@ -89,9 +89,14 @@ bool TestWindow::showAndWait(DWORD timeoutMs)
     UpdateWindow(window_);
     POINT origin = {0, 0};
     ClientToScreen(window_, &origin);
-    const RECT probe = {origin.x, origin.y, origin.x + 1, origin.y + 1};
-    return pumpUntil([&] { return readScreenPixels(probe).pixels == std::vector<uint32_t>{pattern_(0, 0)}; },
-                     timeoutMs);
+    const RECT area = {origin.x, origin.y, origin.x + width_, origin.y + height_};
+    // The whole pattern, not a sample of it: a sample can match what was there before.
+    std::vector<uint32_t> expected(static_cast<size_t>(width_) * height_);
+    for (int y = 0; y < height_; ++y) {
+        for (int x = 0; x < width_; ++x)
+            expected[static_cast<size_t>(y) * width_ + x] = pattern_(x, y);
+    }
+    return pumpUntil([&] { return readScreenPixels(area).pixels == expected; }, timeoutMs);
 }
 
 void TestWindow::paint(HDC dc)
