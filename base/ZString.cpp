@@ -418,27 +418,27 @@ unsigned long long takeUnsigned(const std::string& length, va_list& args)
     return v;
 }
 
-std::string narrowSpec(const Conversion& c, const char* length, char conversion)
+std::string narrowFormat(const Conversion& c, const char* length, char conversion)
 {
-    std::string spec = "%" + c.flags;
+    std::string format = "%" + c.flags;
     if (c.width >= 0)
-        spec += std::to_string(c.width);
+        format += std::to_string(c.width);
     if (c.precision >= 0)
-        spec += "." + std::to_string(c.precision);
-    return spec + length + conversion;
+        format += "." + std::to_string(c.precision);
+    return format + length + conversion;
 }
 
 template <typename T>
-std::string printNarrow(const std::string& spec, T value)
+std::string printNarrow(const std::string& format, T value)
 {
     char small[128];
-    const int n = std::snprintf(small, sizeof small, spec.c_str(), value);
+    const int n = std::snprintf(small, sizeof small, format.c_str(), value);
     if (n < 0)
         return std::string();
     if (static_cast<size_t>(n) < sizeof small)
         return std::string(small, static_cast<size_t>(n));
     std::string big(static_cast<size_t>(n) + 1, '\0');
-    std::snprintf(&big[0], big.size(), spec.c_str(), value);
+    std::snprintf(&big[0], big.size(), format.c_str(), value);
     big.resize(static_cast<size_t>(n));
     return big;
 }
@@ -472,13 +472,13 @@ void appendConversion(ZString::Storage& out, const Conversion& c, va_list& args)
     switch (c.conversion) {
     case 'd':
     case 'i':
-        out += ZString::fromUtf8(printNarrow(narrowSpec(c, "ll", 'd'), takeSigned(c.length, args))).units();
+        out += ZString::fromUtf8(printNarrow(narrowFormat(c, "ll", 'd'), takeSigned(c.length, args))).units();
         return;
     case 'u':
     case 'x':
     case 'X':
     case 'o':
-        out += ZString::fromUtf8(printNarrow(narrowSpec(c, "ll", c.conversion), takeUnsigned(c.length, args))).units();
+        out += ZString::fromUtf8(printNarrow(narrowFormat(c, "ll", c.conversion), takeUnsigned(c.length, args))).units();
         return;
     case 'f':
     case 'F':
@@ -487,7 +487,7 @@ void appendConversion(ZString::Storage& out, const Conversion& c, va_list& args)
     case 'g':
     case 'G': {
         const double v = c.length == "L" ? static_cast<double>(va_arg(args, long double)) : va_arg(args, double);
-        out += ZString::fromUtf8(withPointDecimal(printNarrow(narrowSpec(c, "", c.conversion), v))).units();
+        out += ZString::fromUtf8(withPointDecimal(printNarrow(narrowFormat(c, "", c.conversion), v))).units();
         return;
     }
     case 'p':

@@ -15,11 +15,11 @@ public:
     std::map<std::u16string, xhtml::Size> images;
     std::vector<std::string> calls;
 
-    xhtml::FontMetrics fontMetrics(const xhtml::FontSpec& font) override
+    xhtml::FontMetrics fontMetrics(const xhtml::FontDescription& font) override
     {
         return xhtml::FontMetrics{font.pixelSize * 3 / 4, font.pixelSize - font.pixelSize * 3 / 4};
     }
-    int textWidth(const xhtml::FontSpec& font, const ZString& text) override
+    int textWidth(const xhtml::FontDescription& font, const ZString& text) override
     {
         return text.length() * (font.pixelSize / 2);
     }
@@ -40,7 +40,7 @@ public:
         calls.push_back("gradient " + rect(area) + " " + hex(gradient.first) + " " + hex(gradient.second) + " "
                         + std::to_string(static_cast<int>(gradient.direction)));
     }
-    void drawText(int x, int y, const ZString& text, const xhtml::FontSpec&, xhtml::Colour colour) override
+    void drawText(int x, int y, const ZString& text, const xhtml::FontDescription&, xhtml::Colour colour) override
     {
         calls.push_back("text " + std::to_string(x) + "," + std::to_string(y) + " " + text.toUtf8() + " " + hex(colour));
     }

@@ -19,7 +19,7 @@ constexpr int kListRowGap = 2;
 Size controlSize(View& view, LayoutEnv& env)
 {
     const ControlModel& control = *view.control;
-    const FontSpec& font = view.style.font;
+    const FontDescription& font = view.style.font;
     const int lineHeight = env.metrics(font).height();
     const int average = std::max(1, env.textWidth(font, ZString(u"x")));
     switch (control.type) {

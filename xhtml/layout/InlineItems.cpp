@@ -16,7 +16,7 @@ int inheritedShift(const View& view)
 
 void addText(View& view, LayoutEnv& env, std::vector<InlineItem>& items)
 {
-    const FontSpec& font = view.style.font;
+    const FontDescription& font = view.style.font;
     const FontMetrics metrics = env.metrics(font);
     InlineItem base;
     base.view = &view;

@@ -21,16 +21,16 @@ public:
     Canvas& canvas() { return canvas_; }
     double scale() const { return scale_; }
     int scaled(int pixels) const;
-    int textWidth(const FontSpec& font, const ZString& text);
-    FontMetrics metrics(const FontSpec& font);
+    int textWidth(const FontDescription& font, const ZString& text);
+    FontMetrics metrics(const FontDescription& font);
 
 private:
     struct FontEntry {
-        FontSpec font;
+        FontDescription font;
         FontMetrics metrics;
         std::unordered_map<ZString, int> widths;
     };
-    FontEntry& entry(const FontSpec& font);
+    FontEntry& entry(const FontDescription& font);
 
     Canvas& canvas_;
     double scale_;

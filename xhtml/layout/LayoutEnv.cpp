@@ -9,7 +9,7 @@ int LayoutEnv::scaled(int pixels) const
     return static_cast<int>(std::lround(pixels * scale_));
 }
 
-LayoutEnv::FontEntry& LayoutEnv::entry(const FontSpec& font)
+LayoutEnv::FontEntry& LayoutEnv::entry(const FontDescription& font)
 {
     // A pass uses a handful of fonts; the last one asked for is by far the most likely.
     for (auto it = fonts_.rbegin(); it != fonts_.rend(); ++it) {
@@ -20,7 +20,7 @@ LayoutEnv::FontEntry& LayoutEnv::entry(const FontSpec& font)
     return fonts_.back();
 }
 
-int LayoutEnv::textWidth(const FontSpec& font, const ZString& text)
+int LayoutEnv::textWidth(const FontDescription& font, const ZString& text)
 {
     FontEntry& found = entry(font);
     auto cached = found.widths.find(text);
@@ -31,7 +31,7 @@ int LayoutEnv::textWidth(const FontSpec& font, const ZString& text)
     return width;
 }
 
-FontMetrics LayoutEnv::metrics(const FontSpec& font)
+FontMetrics LayoutEnv::metrics(const FontDescription& font)
 {
     return entry(font).metrics;
 }

@@ -6,7 +6,7 @@
 #include "base/ZString.h"
 #include "xhtml/ColourTable.h"
 #include "xhtml/StyleValue.h"
-#include "xhtml/paint/FontSpec.h"
+#include "xhtml/paint/FontDescription.h"
 #include "xhtml/view/Geometry.h"
 
 #include <optional>
@@ -18,8 +18,8 @@ public:
     virtual ~Canvas() = default;
 
     // Measuring.
-    virtual FontMetrics fontMetrics(const FontSpec& font) = 0;
-    virtual int textWidth(const FontSpec& font, const ZString& text) = 0;
+    virtual FontMetrics fontMetrics(const FontDescription& font) = 0;
+    virtual int textWidth(const FontDescription& font, const ZString& text) = 0;
     // The natural size of the image at this (resolved) address; none when it cannot be had.
     virtual std::optional<Size> imageSize(const ZString& address) = 0;
 
@@ -29,7 +29,7 @@ public:
     // diagonal) or the top-right (backward diagonal).
     virtual void fillGradient(const Rect& area, const StyleGradient& gradient) = 0;
     // `x`, `y` is the top-left of the text's line box of the font's height.
-    virtual void drawText(int x, int y, const ZString& text, const FontSpec& font, Colour colour) = 0;
+    virtual void drawText(int x, int y, const ZString& text, const FontDescription& font, Colour colour) = 0;
     // Scales the image to `area`, with its alpha.
     virtual void drawImage(const ZString& address, const Rect& area) = 0;
     // Clipping nests: each push intersects with the current clip until its pop.

@@ -189,9 +189,9 @@ int Length::resolve(int base, int fallback) const
     return static_cast<int>(std::lround(base * value / 100));
 }
 
-FontSpec defaultFont()
+FontDescription defaultFont()
 {
-    FontSpec font;
+    FontDescription font;
     font.family = ZString(u"Tahoma");
     font.pixelSize = kDefaultFontPixels;
     return font;

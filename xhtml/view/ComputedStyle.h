@@ -5,7 +5,7 @@
 #include "xhtml/ColourTable.h"
 #include "xhtml/StyleDef.h"
 #include "xhtml/StyleKeyword.h"
-#include "xhtml/paint/FontSpec.h"
+#include "xhtml/paint/FontDescription.h"
 
 #include <optional>
 
@@ -34,7 +34,7 @@ struct BorderSide {
 
 struct ComputedStyle {
     // Inherited from the parent.
-    FontSpec font;
+    FontDescription font;
     Colour colour = rgb(0x000000);
     StyleKeyword textAlign = StyleKeyword::left;
     // How an inline item sits in its line; inherited, so that a row's container can align
@@ -66,6 +66,6 @@ struct ComputedStyle {
 ComputedStyle computeStyle(const StyleDef& declared, const ComputedStyle* parent, StyleKeyword display, double scale);
 
 // The default font of the toolkit at 96 DPI.
-FontSpec defaultFont();
+FontDescription defaultFont();
 
 } // namespace xhtml

@@ -2,29 +2,29 @@
 
 namespace xhtml {
 
-FontCache::Entry& FontCache::entry(const FontSpec& spec)
+FontCache::Entry& FontCache::entry(const FontDescription& description)
 {
     for (auto& existing : entries_) {
-        if (existing->spec == spec)
+        if (existing->description == description)
             return *existing;
     }
     auto made = std::make_unique<Entry>();
-    made->spec = spec;
-    made->handle.reset(CreateFontW(-spec.pixelSize, 0, 0, 0, spec.weight, spec.italic, spec.underline, spec.lineThrough,
+    made->description = description;
+    made->handle.reset(CreateFontW(-description.pixelSize, 0, 0, 0, description.weight, description.italic, description.underline, description.lineThrough,
                                    DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
-                                   DEFAULT_PITCH | FF_DONTCARE, spec.family.c_str()));
+                                   DEFAULT_PITCH | FF_DONTCARE, description.family.c_str()));
     entries_.push_back(std::move(made));
     return *entries_.back();
 }
 
-HFONT FontCache::font(const FontSpec& spec)
+HFONT FontCache::font(const FontDescription& description)
 {
-    return entry(spec).handle.get();
+    return entry(description).handle.get();
 }
 
-FontMetrics FontCache::metrics(HDC dc, const FontSpec& spec)
+FontMetrics FontCache::metrics(HDC dc, const FontDescription& description)
 {
-    Entry& found = entry(spec);
+    Entry& found = entry(description);
     if (!found.measured) {
         SelectedObject selected(dc, found.handle.get());
         TEXTMETRICW metrics = {};
@@ -54,9 +54,9 @@ const int* FontCache::page(HDC dc, Entry& entry, int index)
     return entry.pages[index].get();
 }
 
-int FontCache::textWidth(HDC dc, const FontSpec& spec, const ZString& text)
+int FontCache::textWidth(HDC dc, const FontDescription& description, const ZString& text)
 {
-    Entry& found = entry(spec);
+    Entry& found = entry(description);
     int width = 0;
     for (ZChar unit : text.units())
         width += page(dc, found, unit >> 8)[unit & 0xFF];

@@ -66,12 +66,12 @@ GdiCanvas::~GdiCanvas()
         popClip();
 }
 
-FontMetrics GdiCanvas::fontMetrics(const FontSpec& font)
+FontMetrics GdiCanvas::fontMetrics(const FontDescription& font)
 {
     return fonts_.metrics(dc_, font);
 }
 
-int GdiCanvas::textWidth(const FontSpec& font, const ZString& text)
+int GdiCanvas::textWidth(const FontDescription& font, const ZString& text)
 {
     return fonts_.textWidth(dc_, font, text);
 }
@@ -120,7 +120,7 @@ void GdiCanvas::fillGradient(const Rect& area, const StyleGradient& gradient)
     GradientFill(dc_, vertices, 4, triangles, 2, GRADIENT_FILL_TRIANGLE);
 }
 
-void GdiCanvas::drawText(int x, int y, const ZString& text, const FontSpec& font, Colour colour)
+void GdiCanvas::drawText(int x, int y, const ZString& text, const FontDescription& font, Colour colour)
 {
     if (opacity(colour) == 0 || text.isEmpty())
         return;

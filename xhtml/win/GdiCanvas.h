@@ -13,13 +13,13 @@ public:
     GdiCanvas(HDC dc, FontCache& fonts, ImageCache& images) : dc_(dc), fonts_(fonts), images_(images) {}
     ~GdiCanvas() override;
 
-    FontMetrics fontMetrics(const FontSpec& font) override;
-    int textWidth(const FontSpec& font, const ZString& text) override;
+    FontMetrics fontMetrics(const FontDescription& font) override;
+    int textWidth(const FontDescription& font, const ZString& text) override;
     std::optional<Size> imageSize(const ZString& address) override;
 
     void fillRect(const Rect& area, Colour colour) override;
     void fillGradient(const Rect& area, const StyleGradient& gradient) override;
-    void drawText(int x, int y, const ZString& text, const FontSpec& font, Colour colour) override;
+    void drawText(int x, int y, const ZString& text, const FontDescription& font, Colour colour) override;
     void drawImage(const ZString& address, const Rect& area) override;
     void pushClip(const Rect& area) override;
     void popClip() override;

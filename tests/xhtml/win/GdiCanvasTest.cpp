@@ -39,7 +39,7 @@ TEST(GdiCanvas, TextIsMeasuredAsGdiDrawsIt)
     xhtml::FontCache fonts;
     xhtml::ImageCache images;
     xhtml::GdiCanvas canvas(dc.get(), fonts, images);
-    xhtml::FontSpec font = xhtml::defaultFont();
+    xhtml::FontDescription font = xhtml::defaultFont();
     for (int pixels : {12, 15}) {
         font.pixelSize = pixels;
         font.weight = pixels == 15 ? 700 : 400;

@@ -5,7 +5,7 @@
 
 namespace xhtml {
 
-struct FontSpec {
+struct FontDescription {
     ZString family;
     int pixelSize = 12; // character height in device pixels
     int weight = 400;   // 100 .. 900
@@ -13,7 +13,7 @@ struct FontSpec {
     bool underline = false;
     bool lineThrough = false;
 
-    friend bool operator==(const FontSpec& a, const FontSpec& b)
+    friend bool operator==(const FontDescription& a, const FontDescription& b)
     {
         return a.family == b.family && a.pixelSize == b.pixelSize && a.weight == b.weight && a.italic == b.italic
                && a.underline == b.underline && a.lineThrough == b.lineThrough;
