@@ -14,24 +14,6 @@ constexpr DWORD kSnapshotCopy = SRCCOPY | CAPTUREBLT; // layered windows include
 int widthOf(const RECT& r) { return r.right - r.left; }
 int heightOf(const RECT& r) { return r.bottom - r.top; }
 
-// The display's DC from CreateDCW, freed with DeleteDC.
-class DisplayDC {
-public:
-    DisplayDC() : dc_(CreateDCW(L"DISPLAY", nullptr, nullptr, nullptr)) {}
-    ~DisplayDC()
-    {
-        if (dc_)
-            DeleteDC(dc_);
-    }
-    DisplayDC(const DisplayDC&) = delete;
-    DisplayDC& operator=(const DisplayDC&) = delete;
-
-    HDC get() const { return dc_; }
-
-private:
-    HDC dc_;
-};
-
 RECT virtualScreen()
 {
     const int x = GetSystemMetrics(SM_XVIRTUALSCREEN);

@@ -27,23 +27,37 @@ private:
     HDC dc_;
 };
 
-// A device context from CreateCompatibleDC, freed with DeleteDC.
-class MemoryDC {
+// A device context that its creator frees with DeleteDC.
+class OwnedDC {
 public:
-    explicit MemoryDC(HDC compatibleWith) : dc_(CreateCompatibleDC(compatibleWith)) {}
-    ~MemoryDC()
+    ~OwnedDC()
     {
         if (dc_)
             DeleteDC(dc_);
     }
-    MemoryDC(const MemoryDC&) = delete;
-    MemoryDC& operator=(const MemoryDC&) = delete;
+    OwnedDC(const OwnedDC&) = delete;
+    OwnedDC& operator=(const OwnedDC&) = delete;
 
     HDC get() const { return dc_; }
     explicit operator bool() const { return dc_ != nullptr; }
 
+protected:
+    explicit OwnedDC(HDC dc) : dc_(dc) {}
+
 private:
     HDC dc_;
+};
+
+// A memory device context from CreateCompatibleDC.
+class MemoryDC : public OwnedDC {
+public:
+    explicit MemoryDC(HDC compatibleWith) : OwnedDC(CreateCompatibleDC(compatibleWith)) {}
+};
+
+// The whole display's device context from CreateDCW, spanning every monitor.
+class DisplayDC : public OwnedDC {
+public:
+    DisplayDC() : OwnedDC(CreateDCW(L"DISPLAY", nullptr, nullptr, nullptr)) {}
 };
 
 // A pen, brush, bitmap, font or region, freed with DeleteObject.

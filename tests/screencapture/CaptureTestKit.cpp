@@ -5,6 +5,7 @@
 #include "tests/support/Wine.h"
 
 #include <cstring>
+#include <filesystem>
 
 PixelGrid imagePixels(Gdiplus::Bitmap& image)
 {
@@ -32,6 +33,18 @@ PixelGrid pngFilePixels(const ZString& path)
     if (image.GetLastStatus() != Gdiplus::Ok)
         return PixelGrid();
     return imagePixels(image);
+}
+
+std::vector<ZString> filesIn(const ZString& folder, const wchar_t* prefix)
+{
+    std::vector<ZString> found;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.c_str(), error)) {
+        const ZString name(entry.path().filename().wstring().c_str());
+        if (name.startsWith(prefix))
+            found.push_back(ZString(entry.path().wstring().c_str()));
+    }
+    return found;
 }
 
 std::vector<UINT> clipboardFormats()

@@ -21,6 +21,9 @@ protected:
 PixelGrid imagePixels(Gdiplus::Bitmap& image);
 PixelGrid pngFilePixels(const ZString& path);
 
+// Full paths of the files in `folder` whose names start with `prefix`.
+std::vector<ZString> filesIn(const ZString& folder, const wchar_t* prefix);
+
 // The clipboard's formats in enumeration order.
 std::vector<UINT> clipboardFormats();
 // Replaces the clipboard's content; the clipboard takes the bitmap.

@@ -50,17 +50,7 @@ std::unique_ptr<ScreenCapture> grabPattern(const RECT& area)
 
 bool fileExists(const ZString& path) { return PathFileExistsW(path.c_str()) != FALSE; }
 
-std::vector<ZString> temporaryPngs()
-{
-    std::vector<ZString> found;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(moduleTempFolder().c_str(), error)) {
-        const ZString name(entry.path().filename().wstring().c_str());
-        if (name.startsWith(L"screenCapture_") && name.endsWith(L".png"))
-            found.push_back(ZString(entry.path().wstring().c_str()));
-    }
-    return found;
-}
+std::vector<ZString> temporaryPngs() { return filesIn(moduleTempFolder(), L"screenCapture_"); }
 
 using Delivery = CaptureTest;
 

@@ -53,18 +53,6 @@ private:
     HWND window_ = nullptr;
 };
 
-std::vector<ZString> filesIn(const ZString& folder, const wchar_t* prefix)
-{
-    std::vector<ZString> found;
-    std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.c_str(), error)) {
-        const ZString name(entry.path().filename().wstring().c_str());
-        if (name.startsWith(prefix))
-            found.push_back(ZString(entry.path().wstring().c_str()));
-    }
-    return found;
-}
-
 std::vector<ZString> temporaryPdfs() { return filesIn(moduleTempFolder(), L"screenCapture-"); }
 
 // Where the PDFs of these tests are kept for the checks that only Linux tools can make

@@ -16,7 +16,13 @@ int holderCounter = 0;
 
 KernelHandle startHelper(const ZString& arguments)
 {
-    const ZString text = L"\"" + helperProgramPath() + L"\" " + arguments;
+    return startProgram(L"\"" + helperProgramPath() + L"\" " + arguments);
+}
+
+} // namespace
+
+KernelHandle startProgram(const ZString& text)
+{
     std::vector<wchar_t> commandLine(text.c_str(), text.c_str() + text.length() + 1); // CreateProcessW may write to it
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
@@ -26,8 +32,6 @@ KernelHandle startHelper(const ZString& arguments)
     CloseHandle(process.hThread);
     return KernelHandle(process.hProcess);
 }
-
-} // namespace
 
 int runProgram(const ZString& commandLine, std::string& output, unsigned timeoutMs)
 {

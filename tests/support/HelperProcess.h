@@ -11,6 +11,9 @@
 // The helper program's full path, beside the test program.
 ZString helperProgramPath();
 
+// Starts `commandLine` (program and arguments); its process handle, empty on failure.
+KernelHandle startProgram(const ZString& commandLine);
+
 // Runs `commandLine` to its end (at most `timeoutMs`) and returns its exit code, or -1 if
 // it could not be started or did not end; `output` receives what it wrote to its standard
 // output and error.

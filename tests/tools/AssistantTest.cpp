@@ -77,15 +77,7 @@ ZString assistantProgram()
 
 KernelHandle startAssistant(const ZString& arguments)
 {
-    const ZString text = L"\"" + assistantProgram() + L"\" " + arguments;
-    std::vector<wchar_t> commandLine(text.c_str(), text.c_str() + text.length() + 1);
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
-        return KernelHandle();
-    CloseHandle(process.hThread);
-    return KernelHandle(process.hProcess);
+    return startProgram(L"\"" + assistantProgram() + L"\" " + arguments);
 }
 
 TEST_F(Assistant, OneInstanceTakesFilesFromItsCommandLineAndFromLaterStarts)
