@@ -16,140 +16,102 @@ std::string serialized(const zpdf::Object& object)
     return out.data();
 }
 
-TEST(ImagePdfRules, PageSizeFollowsResolutionAndTheA4Rule)
+TEST(ImagePdfRules, PageSizeContentStreamAndOrientation)
 {
     const struct {
         uint32_t width, height;
         int dpi;
         bool a4;
         int pageWidth, pageHeight;
-    } cases[] = {
-        {2000, 1000, 96, true, 842, 421},  {2000, 1000, 96, false, 1500, 750}, {1600, 1200, 96, true, 842, 631},
-        {1200, 1600, 96, true, 631, 842},  {1920, 1080, 144, true, 842, 473},  {1920, 1080, 144, false, 960, 540},
-        {100, 100, 144, true, 50, 50},     {1123, 794, 96, true, 842, 595},    {3, 5, 72, true, 3, 5},
+    } sizes[] = {
+        {2000, 1000, 96, true, 842, 421}, {2000, 1000, 96, false, 1500, 750}, {1600, 1200, 96, true, 842, 631},
+        {1200, 1600, 96, true, 631, 842}, {1920, 1080, 144, false, 960, 540}, {100, 100, 144, true, 50, 50},
         {1, 1, 600, false, 0, 0},
     };
-    for (const auto& c : cases) {
+    for (const auto& c : sizes) {
         const PageSize page = pageSize(c.width, c.height, c.dpi, c.a4);
-        EXPECT_EQ(page.width, c.pageWidth) << c.width << "x" << c.height << " at " << c.dpi << (c.a4 ? " A4" : "");
-        EXPECT_EQ(page.height, c.pageHeight) << c.width << "x" << c.height << " at " << c.dpi << (c.a4 ? " A4" : "");
+        EXPECT_EQ(std::make_pair(page.width, page.height), std::make_pair(c.pageWidth, c.pageHeight))
+            << c.width << "x" << c.height << " at " << c.dpi << (c.a4 ? " A4" : "");
     }
-}
-
-TEST(ImagePdfRules, ContentStreamHasFourLinesWithFixedNumberFormats)
-{
     EXPECT_EQ(contentStream(842, 421, 0, 0, "img0"), "q\r\n842.000000 0 0 421.000000 0.000000 0.000000 cm\r\n/img0 Do\r\nQ\r\n");
     EXPECT_EQ(contentStream(1.5, 2.25, -3, 10, "img7"), "q\r\n1.500000 0 0 2.250000 -3.000000 10.000000 cm\r\n/img7 Do\r\nQ\r\n");
-}
 
-TEST(ImagePdfRules, OrientationTable)
-{
     const struct {
         int exif;
         int rotateFlip;
         bool passThrough;
-    } table[] = {{0, 0, true}, {1, 0, true}, {2, 4, false}, {3, 2, true},  {4, 6, false},
-                 {5, 5, false}, {6, 1, true}, {7, 7, false}, {8, 3, true}, {9, 0, true}, {-1, 0, true}};
-    for (const auto& row : table) {
-        const Orientation o = orientationRule(row.exif);
-        EXPECT_EQ(o.rotateFlip, row.rotateFlip) << row.exif;
-        EXPECT_EQ(o.passThroughAllowed, row.passThrough) << row.exif;
+    } orientations[] = {{0, 0, true}, {1, 0, true}, {2, 4, false}, {3, 2, true},  {4, 6, false},
+                        {5, 5, false}, {6, 1, true}, {7, 7, false}, {8, 3, true}, {9, 0, true}, {-1, 0, true}};
+    for (const auto& row : orientations) {
+        EXPECT_EQ(orientationRule(row.exif).rotateFlip, row.rotateFlip) << row.exif;
+        EXPECT_EQ(orientationRule(row.exif).passThroughAllowed, row.passThrough) << row.exif;
     }
 }
 
-TEST(ImagePdfRules, IndexedColourSpaceLookupIsAStringUpTo16EntriesAndAStreamAbove)
+TEST(ImagePdfRules, IndexedColourSpaces)
 {
     zpdf::Document document;
     Palette sixteen{16, std::vector<uint32_t>(16, 0xFF102030)};
     sixteen.entries[0] = 0xFFFF0000;
-    const auto small = makeIndexedColorSpace(document, sixteen, kColorSpaceRgb);
     std::string lookup = "FF0000";
     for (int i = 1; i < 16; ++i)
         lookup += "102030";
-    EXPECT_EQ(serialized(*small), "[/Indexed /DeviceRGB 15 <" + lookup + ">]");
+    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, sixteen, kColorSpaceRgb)), "[/Indexed /DeviceRGB 15 <" + lookup + ">]");
     EXPECT_EQ(document.highestNumber(), 0u) << "no object for a string lookup";
 
-    Palette seventeen{17, std::vector<uint32_t>(17, 0xFFA0B0C0)};
-    const auto large = makeIndexedColorSpace(document, seventeen, kColorSpaceRgb);
-    ASSERT_EQ(large->size(), 4);
-    zpdf::Object* entry = large->elements()[3].get();
-    ASSERT_EQ(entry->type(), zpdf::Type::Reference);
-    zpdf::Object* stream = entry->resolve();
+    const auto large = makeIndexedColorSpace(document, Palette{17, std::vector<uint32_t>(17, 0xFFA0B0C0)}, kColorSpaceRgb);
+    EXPECT_EQ(serialized(*large), "[/Indexed /DeviceRGB 16 1 0 R]");
+    zpdf::Object* stream = large->elements()[3]->resolve();
     ASSERT_TRUE(stream && stream->type() == zpdf::Type::Stream);
     EXPECT_EQ(static_cast<zpdf::Stream*>(stream)->decode().size(), 17u * 3);
-    EXPECT_EQ(serialized(*large), "[/Indexed /DeviceRGB 16 1 0 R]");
-}
 
-TEST(ImagePdfRules, GreyPalettesAndTheGrayFlagGiveOneByteAnEntry)
-{
-    zpdf::Document document;
-    const Palette grey{2, {0xFF000000, 0xFFFFFFFF}};
-    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, grey, kColorSpaceRgb)), "[/Indexed /DeviceGray 1 <00FF>]");
-    // The flag wins over colourful entries; the byte taken is the blue one.
+    // Grey entries, or the GRAY flag, give one byte an entry: the flag wins over colourful
+    // entries and the byte taken is the blue one.
     const Palette colourful{2, {0xFF123456, 0xFF654321}};
+    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, Palette{2, {0xFF000000, 0xFFFFFFFF}}, kColorSpaceRgb)),
+              "[/Indexed /DeviceGray 1 <00FF>]");
     EXPECT_EQ(serialized(*makeIndexedColorSpace(document, colourful, kColorSpaceGray)), "[/Indexed /DeviceGray 1 <5621>]");
-    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, colourful, kColorSpaceRgb)),
-              "[/Indexed /DeviceRGB 1 <123456654321>]");
+    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, colourful, kColorSpaceRgb)), "[/Indexed /DeviceRGB 1 <123456654321>]");
+
+    auto errorOf = [&](const Palette& palette, uint32_t flags) -> std::string {
+        try {
+            makeIndexedColorSpace(document, palette, flags);
+        } catch (const zpdf::PdfException& e) {
+            return e.what();
+        }
+        return "(no exception)";
+    };
+    EXPECT_EQ(errorOf(Palette{1, {0xFF000000}}, 0x20 /* CMYK */), "Only GRAY or RGB supported");
+    EXPECT_EQ(errorOf(Palette{4, {0xFF000000, 0xFFFFFFFF}}, kColorSpaceRgb), "Index not in array range");
 }
-
-TEST(ImagePdfRules, BadPalettesAreRefused)
-{
-    zpdf::Document document;
-    try {
-        makeIndexedColorSpace(document, Palette{1, {0xFF000000}}, 0x20 /* CMYK */);
-        ADD_FAILURE() << "no exception without RGB or GRAY";
-    } catch (const zpdf::PdfException& e) {
-        EXPECT_STREQ(e.what(), "Only GRAY or RGB supported");
-    }
-    try {
-        makeIndexedColorSpace(document, Palette{4, {0xFF000000, 0xFFFFFFFF}}, kColorSpaceRgb);
-        ADD_FAILURE() << "no exception for a palette shorter than its count";
-    } catch (const zpdf::PdfException& e) {
-        EXPECT_STREQ(e.what(), "Index not in array range");
-    }
-}
-
-// An encoder whose output shrinks with the quality: `bytesPerStep` bytes per quality point.
-struct FakeEncoder {
-    explicit FakeEncoder(size_t bytes, long failing = -1) : bytesPerStep(bytes), failAt(failing) {}
-    size_t bytesPerStep;
-    long failAt;
-    std::vector<long> qualities;
-
-    bool operator()(long quality, std::vector<uint8_t>& bytes)
-    {
-        qualities.push_back(quality);
-        if (quality == failAt)
-            return false;
-        bytes.assign(static_cast<size_t>(quality) * bytesPerStep, 0xAB);
-        return true;
-    }
-};
 
 TEST(ImagePdfRules, JpegQualityStepsDownBy5UntilTheResultFits)
 {
-    FakeEncoder encoder(100);
-    JpegEncode encode = std::ref(encoder);
+    // An encoder whose output is 100 bytes per quality point; it fails at `failAt`.
+    long failAt = -1;
+    std::vector<long> qualities;
+    const JpegEncode encode = [&](long quality, std::vector<uint8_t>& bytes) {
+        qualities.push_back(quality);
+        if (quality == failAt)
+            return false;
+        bytes.assign(static_cast<size_t>(quality) * 100, 0xAB);
+        return true;
+    };
     // 1.1 x 5000 = 5500: quality 55 gives exactly 5500 bytes and is the first to fit.
     EXPECT_EQ(encodeWithinSize(encode, 5000).size(), 5500u);
-    EXPECT_EQ(encoder.qualities, (std::vector<long>{100, 95, 90, 85, 80, 75, 70, 65, 60, 55}));
-
-    // Nothing fits: the steps stop at 30, and the last result is used.
-    encoder.qualities.clear();
-    EXPECT_EQ(encodeWithinSize(encode, 10).size(), 3000u);
-    ASSERT_FALSE(encoder.qualities.empty());
-    EXPECT_EQ(encoder.qualities.front(), 100);
-    EXPECT_EQ(encoder.qualities.back(), 30);
-    EXPECT_EQ(encoder.qualities.size(), 15u);
-
+    EXPECT_EQ(qualities, (std::vector<long>{100, 95, 90, 85, 80, 75, 70, 65, 60, 55}));
     // The product is truncated: 1.1 x 4999 = 5498.9 allows 5498 bytes, so 55 no longer fits.
-    encoder.qualities.clear();
+    qualities.clear();
     EXPECT_EQ(encodeWithinSize(encode, 4999).size(), 5000u);
-    EXPECT_EQ(encoder.qualities.back(), 50);
-
+    EXPECT_EQ(qualities.back(), 50);
+    // Nothing fits: the steps stop at 30, and the last result is used.
+    qualities.clear();
+    EXPECT_EQ(encodeWithinSize(encode, 10).size(), 3000u);
+    EXPECT_EQ(qualities.size(), 15u);
+    EXPECT_EQ(qualities.back(), 30);
     // A failed last step leaves its empty result.
-    FakeEncoder failing(100, 30);
-    EXPECT_TRUE(encodeWithinSize(std::ref(failing), 10).empty());
+    failAt = 30;
+    EXPECT_TRUE(encodeWithinSize(encode, 10).empty());
 }
 
 } // namespace

@@ -1,18 +1,19 @@
 // Damaged files: each is repaired as the widespread readers do, or refused with a clear error.
 #include "PdfBuilder.h"
+#include "WrittenDocument.h"
 
 #include "zpdf/Array.h"
 #include "zpdf/Names.h"
 #include "zpdf/Number.h"
-#include "zpdf/PdfException.h"
 #include "zpdf/PdfFile.h"
 #include "zpdf/Stream.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <cstdio>
 
 using namespace zpdf;
+using zpdfTest::errorOf;
 using zpdfTest::PdfBuilder;
 
 namespace {
@@ -23,89 +24,64 @@ struct Good {
     std::size_t xrefAt;
 };
 
-// Catalog, page tree, one page with a contents stream, written with a classic table.
+// Catalog, page tree, one page with a contents stream whose Length is object 5, in a classic table.
 Good goodFile()
 {
     PdfBuilder pdf;
-    pdf.object(1, "<</Type /Catalog /Pages 2 0 R>>");
-    pdf.object(2, "<</Type /Pages /Kids [3 0 R] /Count 1>>");
-    pdf.object(3, "<</Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Contents 4 0 R>>");
+    pdf.pageTree(612, " /Contents 4 0 R");
     const std::size_t contents = pdf.object(4, "<</Length 5 0 R>>\nstream\n0 0 m 100 100 l S\nendstream");
     pdf.object(5, "17");
     const std::size_t xref = pdf.table("/Root 1 0 R");
     return {pdf.bytes(), contents, xref};
 }
 
-std::string contentsOf(PdfFile& file)
-{
-    Object* page = file.pages()->get(names::Kids())->asArray()->at(0);
-    return page->asDict()->get(names::Contents())->asStream()->data()->bytes();
-}
-
-void replaceFirst(std::string& bytes, const std::string& what, const std::string& with)
+std::string replaced(std::string bytes, const std::string& what, const std::string& with)
 {
     const std::size_t at = bytes.find(what);
-    ASSERT_NE(at, std::string::npos) << what;
-    bytes.replace(at, what.size(), with);
+    EXPECT_NE(at, std::string::npos) << what;
+    return at == std::string::npos ? bytes : bytes.replace(at, what.size(), with);
 }
 
-struct RepairCase {
-    const char* name;
-    std::function<void(std::string&, const Good&)> damage;
-    bool repaired; // the whole cross-reference data had to be rebuilt
-};
+std::string offsetField(std::size_t offset)
+{
+    char field[11];
+    std::snprintf(field, sizeof field, "%010zu", offset);
+    return field;
+}
 
 TEST(DamagedFile, RepairedAndReadInFull)
 {
-    const RepairCase cases[] = {
-        {"no cross-reference data at all",
-         [](std::string& bytes, const Good& good) { bytes.resize(good.xrefAt); }, true},
-        {"startxref points elsewhere",
-         [](std::string& bytes, const Good& good) {
-             replaceFirst(bytes, "startxref\n" + std::to_string(good.xrefAt), "startxref\n" + std::to_string(good.xrefAt - 40));
-         },
-         true},
-        {"startxref beyond the end",
-         [](std::string& bytes, const Good& good) {
-             replaceFirst(bytes, "startxref\n" + std::to_string(good.xrefAt), "startxref\n99999999");
-         },
-         true},
+    const Good good = goodFile();
+    const std::string startxref = "startxref\n" + std::to_string(good.xrefAt);
+    const std::string comment = "% a comment that moves every object\n";
+    const struct {
+        const char* name;
+        std::string bytes;
+        bool repaired; // the whole cross-reference data had to be rebuilt
+    } cases[] = {
+        {"no cross-reference data at all", good.bytes.substr(0, good.xrefAt), true},
+        {"startxref points elsewhere", replaced(good.bytes, startxref, "startxref\n" + std::to_string(good.xrefAt - 40)), true},
+        {"startxref beyond the end", replaced(good.bytes, startxref, "startxref\n99999999"), true},
+        // Each object is found by the scan when it is not at its offset.
         {"every offset in the table shifted",
-         [](std::string& bytes, const Good& good) {
-             const std::string comment = "% a comment that moves every object\n";
-             bytes.insert(bytes.find("1 0 obj"), comment);
-             replaceFirst(bytes, "startxref\n" + std::to_string(good.xrefAt),
-                          "startxref\n" + std::to_string(good.xrefAt + comment.size()));
-         },
-         false /* each object is found by the scan when it is not at its offset */},
-        {"the contents stream's offset wrong",
-         [](std::string& bytes, const Good& good) {
-             char wrong[11];
-             std::snprintf(wrong, sizeof wrong, "%010zu", good.contentsAt);
-             char right[11];
-             std::snprintf(right, sizeof right, "%010zu", good.contentsAt + 3);
-             replaceFirst(bytes, std::string(wrong) + " 00000 n", std::string(right) + " 00000 n");
-         },
+         replaced(replaced(good.bytes, "1 0 obj", comment + "1 0 obj"), startxref,
+                  "startxref\n" + std::to_string(good.xrefAt + comment.size())),
          false},
-        {"the stream's Length too short",
-         [](std::string& bytes, const Good&) { replaceFirst(bytes, "5 0 obj\n17\n", "5 0 obj\n12\n"); }, false},
-        {"the stream's Length too long",
-         [](std::string& bytes, const Good&) { replaceFirst(bytes, "5 0 obj\n17\n", "5 0 obj\n99\n"); }, false},
-        {"garbage before the header",
-         [](std::string& bytes, const Good&) { bytes.insert(0, "garbage line\n"); }, true},
-        {"a broken trailer",
-         [](std::string& bytes, const Good&) { replaceFirst(bytes, "trailer\n<<", "trailer\n[["); }, true},
+        {"the contents stream's offset wrong", replaced(good.bytes, offsetField(good.contentsAt), offsetField(good.contentsAt + 3)),
+         false},
+        {"the stream's Length too short", replaced(good.bytes, "5 0 obj\n17\n", "5 0 obj\n12\n"), false},
+        {"the stream's Length too long", replaced(good.bytes, "5 0 obj\n17\n", "5 0 obj\n99\n"), false},
+        {"garbage before the header", "garbage line\n" + good.bytes, true},
+        {"a broken trailer", replaced(good.bytes, "trailer\n<<", "trailer\n[["), true},
     };
-    for (const RepairCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const Good good = goodFile();
-        std::string bytes = good.bytes;
-        c.damage(bytes, good);
-        PdfFile file(bytes);
+        PdfFile file(c.bytes);
         EXPECT_EQ(file.wasRepaired(), c.repaired);
         file.loadAllObjects();
         EXPECT_EQ(file.objects().count(), 5u);
-        EXPECT_EQ(contentsOf(file), "0 0 m 100 100 l S");
+        Object* page = file.pages()->get(names::Kids())->asArray()->at(0);
+        EXPECT_EQ(page->asDict()->get(names::Contents())->asStream()->data()->bytes(), "0 0 m 100 100 l S");
     }
 }
 
@@ -116,45 +92,31 @@ TEST(DamagedFile, TruncatedFileKeepsWhatPrecedesTheCut)
     PdfFile file(good.bytes.substr(0, good.contentsAt + 40));
     EXPECT_TRUE(file.wasRepaired());
     EXPECT_EQ(file.pages()->get(names::Count())->asNumber()->value(), 1);
-    try {
-        file.loadAllObjects();
-        ADD_FAILURE();
-    } catch (const PdfException& error) {
-        EXPECT_EQ(std::string(error.what()), "Stream without \"endstream\" at offset " + std::to_string(good.contentsAt + 26));
-    }
+    EXPECT_EQ(errorOf([&] { file.loadAllObjects(); }),
+              "Stream without \"endstream\" at offset " + std::to_string(good.contentsAt + 26));
 }
 
-TEST(DamagedFile, DeepNestingIsAnErrorAtItsOffset)
+TEST(DamagedFile, DeepNestingAndLengthChains)
 {
     PdfBuilder pdf;
-    pdf.object(1, "<</Type /Catalog /Pages 2 0 R>>");
-    pdf.object(2, "<</Type /Pages /Kids [] /Count 0>>");
-    const std::size_t deep = pdf.object(3, std::string(100000, '[') + std::string(100000, ']'));
+    pdf.pageTree();
+    const std::size_t deep = pdf.object(4, std::string(100000, '[') + std::string(100000, ']'));
     pdf.table("/Root 1 0 R");
-    PdfFile file(pdf.bytes());
-    try {
-        file.loadAllObjects();
-        ADD_FAILURE();
-    } catch (const PdfException& error) {
-        const std::size_t at = deep + 8 + 256; // "3 0 obj\n" and the deepest allowed level
-        EXPECT_EQ(std::string(error.what()), "Objects nested too deeply at offset " + std::to_string(at));
-    }
-}
+    PdfFile nested(pdf.bytes());
+    // "4 0 obj\n" and the deepest allowed level.
+    EXPECT_EQ(errorOf([&] { nested.loadAllObjects(); }), "Objects nested too deeply at offset " + std::to_string(deep + 8 + 256));
 
-TEST(DamagedFile, ObjectsThatReferToThemselvesForTheirLength)
-{
-    PdfBuilder pdf;
-    pdf.object(1, "<</Type /Catalog /Pages 2 0 R>>");
-    pdf.object(2, "<</Type /Pages /Kids [] /Count 0>>");
-    pdf.object(3, "<</Length 3 0 R>>\nstream\nabc\nendstream");
+    PdfBuilder chain;
+    chain.pageTree();
+    chain.object(4, "<</Length 4 0 R>>\nstream\nabc\nendstream");
     // Each stream's Length is the next stream, far deeper than loading may nest.
     for (std::uint32_t n = 10; n < 200; ++n)
-        pdf.object(n, "<</Length " + std::to_string(n + 1) + " 0 R>>\nstream\nxy\nendstream");
-    pdf.object(200, "2");
-    pdf.table("/Root 1 0 R");
-    PdfFile file(pdf.bytes());
+        chain.object(n, "<</Length " + std::to_string(n + 1) + " 0 R>>\nstream\nxy\nendstream");
+    chain.object(200, "2");
+    chain.table("/Root 1 0 R");
+    PdfFile file(chain.bytes());
     file.loadAllObjects();
-    EXPECT_EQ(file.object(3)->value()->asStream()->data()->bytes(), "abc");
+    EXPECT_EQ(file.object(4)->value()->asStream()->data()->bytes(), "abc");
     EXPECT_EQ(file.object(10)->value()->asStream()->data()->bytes(), "xy");
     EXPECT_EQ(file.object(199)->value()->asStream()->data()->bytes(), "xy");
 }
@@ -175,18 +137,10 @@ TEST(DamagedFile, ManyStreamsWithoutEndAreReadInLinearTime)
 
 TEST(DamagedFile, UnrepairableFilesGiveClearErrors)
 {
-    const std::pair<std::string, const char*> cases[] = {
-        {"%PDF-1.4\n1 0 obj (no catalog) endobj\n", "Damaged file: neither a trailer nor a document catalog found"},
-        {"%PDF-1.4\ntrailer <</Root 7 0 R>>\n", "Damaged file: the document catalog cannot be read"},
-    };
-    for (const auto& [bytes, message] : cases) {
-        try {
-            PdfFile file(bytes);
-            ADD_FAILURE() << message;
-        } catch (const PdfException& error) {
-            EXPECT_STREQ(error.what(), message);
-        }
-    }
+    EXPECT_EQ(errorOf([] { PdfFile file("%PDF-1.4\n1 0 obj (no catalog) endobj\n"); }),
+              "Damaged file: neither a trailer nor a document catalog found");
+    EXPECT_EQ(errorOf([] { PdfFile file("%PDF-1.4\ntrailer <</Root 7 0 R>>\n"); }),
+              "Damaged file: the document catalog cannot be read");
 }
 
 } // namespace

@@ -16,6 +16,13 @@ std::size_t PdfBuilder::object(std::uint32_t number, const std::string& body, st
     return at;
 }
 
+void PdfBuilder::pageTree(int width, const std::string& pageEntries)
+{
+    object(1, "<</Type /Catalog /Pages 2 0 R>>");
+    object(2, "<</Type /Pages /Kids [3 0 R] /Count 1>>");
+    object(3, "<</Type /Page /Parent 2 0 R /MediaBox [0 0 " + std::to_string(width) + " 792]" + pageEntries + ">>");
+}
+
 std::size_t PdfBuilder::objectStream(std::uint32_t number, const std::vector<std::pair<std::uint32_t, std::string>>& members,
                                      bool compressed)
 {
@@ -27,9 +34,7 @@ std::size_t PdfBuilder::objectStream(std::uint32_t number, const std::vector<std
         pending_[members[i].first] = Entry{2, number, i};
         highest_ = std::max(highest_, members[i].first);
     }
-    std::string data = header + bodies;
-    if (compressed)
-        data = zpdf::flate::compress(data);
+    const std::string data = compressed ? zpdf::flate::compress(header + bodies) : header + bodies;
     return object(number, "<</Type /ObjStm /N " + std::to_string(members.size()) + " /First "
                               + std::to_string(header.size()) + (compressed ? " /Filter /FlateDecode" : "")
                               + " /Length " + std::to_string(data.size()) + ">>\nstream\n" + data + "\nendstream");

@@ -21,6 +21,9 @@ public:
     std::size_t objectStream(std::uint32_t number, const std::vector<std::pair<std::uint32_t, std::string>>& members,
                              bool compressed = true);
     void raw(const std::string& bytes) { bytes_ += bytes; }
+    // Objects 1 to 3: the catalog, the page tree and its one page, `width` x 792, with
+    // `pageEntries` added to the page's dictionary.
+    void pageTree(int width = 612, const std::string& pageEntries = "");
 
     // Appends a classic table of the objects added since the last section, one subsection
     // per run of numbers (object 0 in the first section), then "trailer" with

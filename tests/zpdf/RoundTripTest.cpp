@@ -27,12 +27,12 @@ std::string written(Document& document)
 // Its names are the predefined ones, as the module's are: names compare by identity.
 std::uint32_t fill(Document& document)
 {
-    Ptr<Dict> resources = make<Dict>();
     Ptr<Dict> font = make<Dict>();
     font->set(names::Type(), names::Font());
     font->set(names::Subtype(), names::Type0());
     Ptr<Dict> fonts = make<Dict>();
     fonts->set(names::F(), document.add(font));
+    Ptr<Dict> resources = make<Dict>();
     resources->set(names::Font(), fonts);
     Ptr<Stream> contents = make<Stream>("BT /F 12 Tf 72 712 Td (Hello) Tj ET");
     contents->compress();
@@ -40,26 +40,20 @@ std::uint32_t fill(Document& document)
     document.addPage(612, 792, nullptr, make<Stream>(std::string("\0\xFF(raw)\r\nbytes", 14)));
 
     Ptr<Array> values = make<Array>();
-    values->append(make<Number>(-3));
-    values->append(make<Number>(0.125));
-    values->append(make<Number>(1e-4));
-    values->append(make<Bool>(true));
-    values->append(make<Null>());
-    values->append(make<String>("literal (balanced) text", StringMode::literal));
-    values->append(make<String>("0a1B", StringMode::hex));
-    values->append(make<String>(ZString(u"Wide \u00e9")));
-    values->append(make<String>(ZString()));
-    Ptr<Array> nested = make<Array>();
-    nested->append(make<Array>());
-    nested->append(make<Dict>());
-    values->append(nested);
+    for (const Ptr<Object>& value :
+         {Ptr<Object>(make<Number>(-3)), Ptr<Object>(make<Number>(0.125)), Ptr<Object>(make<Number>(1e-4)),
+          Ptr<Object>(make<Bool>(true)), Ptr<Object>(make<Null>()),
+          Ptr<Object>(make<String>("literal (balanced) text", StringMode::literal)),
+          Ptr<Object>(make<String>("0a1B", StringMode::hex)), Ptr<Object>(make<String>(ZString(u"Wide \u00e9"))),
+          Ptr<Object>(make<String>(ZString())), Ptr<Object>(make<Array>()), Ptr<Object>(make<Dict>())})
+        values->append(value);
     const std::uint32_t arrayNumber = document.add(values)->number();
     document.setInfo(names::Title(), make<String>(ZString(u"Round trip")));
     document.setInfo(names::Producer(), make<String>("zpdf", StringMode::literal));
     return arrayNumber;
 }
 
-TEST(RoundTrip, WrittenDocumentsReadBackEqual)
+TEST(RoundTrip, WrittenDocumentsReadBackEqualAndRewriteByteForByte)
 {
     Document original;
     fill(original);
@@ -77,17 +71,10 @@ TEST(RoundTrip, WrittenDocumentsReadBackEqual)
     }
     for (const Ptr<Name>* key : {&names::Root(), &names::Info()})
         EXPECT_TRUE(file.trailer().get(*key)->equals(original.trailer().get(*key)));
-    EXPECT_EQ(file.trailer().get(names::Info())->asDict()->get(names::Producer())->asString()->serialized(), "(zpdf)");
-}
 
-TEST(RoundTrip, ReadingThenWritingIsStable)
-{
-    Document original;
-    fill(original);
-    const std::string first = written(original);
-    PdfFile once(first);
+    PdfFile once(bytes); // not loaded beforehand: the writer loads what it needs
     const std::string second = written(once);
-    EXPECT_EQ(second, first) << "the writer's own output comes back byte for byte";
+    EXPECT_EQ(second, bytes) << "the writer's own output comes back byte for byte";
     PdfFile twice(second);
     EXPECT_EQ(written(twice), second);
 }

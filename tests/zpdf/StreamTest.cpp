@@ -6,28 +6,13 @@
 #include "zpdf/Names.h"
 #include "zpdf/Null.h"
 #include "zpdf/Number.h"
-#include "zpdf/PdfException.h"
 #include "zpdf/Stream.h"
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 using namespace zpdf;
 
 namespace {
-
-std::string sampleBytes(std::size_t size)
-{
-    std::string bytes(size, '\0');
-    std::uint32_t state = 12345;
-    for (std::size_t i = 0; i < size; ++i) {
-        state = state * 1103515245u + 12345u;
-        // Mostly a repeating ramp, some noise: compressible, but not trivially.
-        bytes[i] = static_cast<char>((i % 251) ^ ((state >> 24) & 0x07));
-    }
-    return bytes;
-}
 
 std::string bytesOf(std::initializer_list<int> values)
 {
@@ -46,28 +31,25 @@ Ptr<Dict> predictorParms(int predictor, int colors, int columns)
     return parms;
 }
 
-std::string messageOf(const std::function<void()>& action)
+Ptr<Stream> streamWith(Ptr<Object> filter, Ptr<Object> parms, std::string data)
 {
-    try {
-        action();
-    } catch (const PdfException& e) {
-        return e.what();
-    }
-    return "(no exception)";
+    Ptr<Stream> stream = make<Stream>(std::move(data));
+    stream->dict()->set(names::Filter(), std::move(filter));
+    stream->dict()->set(names::DecodeParms(), std::move(parms));
+    return stream;
 }
 
 TEST(Stream, CompressionRoundTrip)
 {
-    const std::string original = sampleBytes(100000);
+    std::string original; // compressible, but not trivially
+    for (int i = 0; i < 20000; ++i)
+        original += std::to_string(i * 7919 % 10007) + ' ';
     Ptr<Stream> stream = make<Stream>(original);
     stream->dict()->set(names::DecodeParms(), predictorParms(12, 1, 4));
     stream->compress();
-
-    EXPECT_EQ(stream->dict()->get(names::Filter()), names::FlateDecode().get());
     EXPECT_EQ(stream->dict()->get(names::DecodeParms()), nullptr);
     const std::string compressed = stream->data()->bytes();
     ASSERT_LT(compressed.size(), original.size());
-    EXPECT_EQ(static_cast<unsigned char>(compressed[0]), 0x78) << "a zlib header";
     EXPECT_EQ(stream->decode(), original);
     EXPECT_EQ(stream->data()->bytes(), compressed) << "decode leaves the stream alone";
 
@@ -76,20 +58,15 @@ TEST(Stream, CompressionRoundTrip)
     stream->write(out);
     const std::string head = "<<\r\n/Filter /FlateDecode\r\n/Length " + std::to_string(compressed.size()) + "\r\n>>\r\n";
     EXPECT_EQ(out.data().substr(0, head.size()), head);
-
     stream->removeFilter();
     EXPECT_EQ(stream->data()->bytes(), original);
     EXPECT_EQ(stream->dict()->get(names::Filter()), nullptr);
-
     EXPECT_EQ(flate::decompress(flate::compress("")), "");
-}
 
-TEST(Stream, CompressionKeepsAnExistingFilter)
-{
-    Ptr<Stream> jpeg = make<Stream>(std::string("\xFF\xD8\xFF\xE0 jpeg bytes"));
-    jpeg->dict()->set(names::Filter(), names::DCTDecode());
+    // An image already compressed keeps its own filter.
+    Ptr<Stream> jpeg = streamWith(names::DCTDecode(), nullptr, "\xFF\xD8\xFF\xE0 jpeg");
     jpeg->compress();
-    EXPECT_EQ(jpeg->data()->bytes(), "\xFF\xD8\xFF\xE0 jpeg bytes");
+    EXPECT_EQ(jpeg->data()->bytes(), "\xFF\xD8\xFF\xE0 jpeg");
     EXPECT_EQ(jpeg->dict()->get(names::Filter()), names::DCTDecode().get());
 }
 
@@ -101,20 +78,17 @@ TEST(Stream, PngPredictorsAreUndone)
         std::string plain;
     } cases[] = {
         // One row of each type: sub, up, average, Paeth (with wrap-around), none.
-        {12, 1, 3,
-         bytesOf({1, 1, 1, 1, 2, 1, 1, 1, 3, 2, 2, 2, 4, 1, 0, 255, 0, 9, 8, 7}),
+        {12, 1, 3, bytesOf({1, 1, 1, 1, 2, 1, 1, 1, 3, 2, 2, 2, 4, 1, 0, 255, 0, 9, 8, 7}),
          bytesOf({1, 2, 3, 2, 3, 4, 3, 5, 6, 4, 5, 5, 9, 8, 7})},
         // Three bytes a pixel: "left" is one pixel back.
-        {15, 3, 2,
-         bytesOf({1, 10, 20, 30, 5, 5, 5, 4, 0, 0, 0, 250, 1, 2}),
+        {15, 3, 2, bytesOf({1, 10, 20, 30, 5, 5, 5, 4, 0, 0, 0, 250, 1, 2}),
          bytesOf({10, 20, 30, 15, 25, 35, 10, 20, 30, 9, 26, 37})},
         // A short last row is decoded as far as it goes.
         {10, 1, 4, bytesOf({1, 1, 1, 1, 1, 2, 5, 5}), bytesOf({1, 2, 3, 4, 6, 7})},
     };
     for (const auto& c : cases) {
-        Ptr<Stream> stream = make<Stream>(flate::compress(c.predicted));
-        stream->dict()->set(names::Filter(), names::FlateDecode());
-        stream->dict()->set(names::DecodeParms(), predictorParms(c.predictor, c.colors, c.columns));
+        Ptr<Stream> stream = streamWith(names::FlateDecode(), predictorParms(c.predictor, c.colors, c.columns),
+                                        flate::compress(c.predicted));
         EXPECT_EQ(stream->decode(), c.plain) << "Predictor " << c.predictor;
         stream->removeFilter();
         EXPECT_EQ(stream->data()->bytes(), c.plain);
@@ -131,32 +105,21 @@ TEST(Stream, FilterArraysAreUndoneOneAtATime)
     parms->append(make<Null>());
     parms->append(predictorParms(11, 1, 1));
     const std::string predicted = bytesOf({0, 'a', 1, 'b', 0, 'c'});
-    Ptr<Stream> stream = make<Stream>(flate::compress(flate::compress(predicted)));
-    stream->dict()->set(names::Filter(), filters);
-    stream->dict()->set(names::DecodeParms(), parms);
+    Ptr<Stream> stream = streamWith(filters, parms, flate::compress(flate::compress(predicted)));
 
-    // Predictor 11 rows of one byte: "a", then "b" added to "a" (sub has no left at column 0,
-    // so the row is kept), then "c".
     EXPECT_EQ(stream->decode(), "abc");
     stream->removeFilter();
     EXPECT_EQ(stream->data()->bytes(), flate::compress(predicted));
-    ASSERT_NE(stream->dict()->get(names::Filter())->asArray(), nullptr);
     EXPECT_EQ(stream->dict()->get(names::Filter())->asArray()->size(), 1);
     EXPECT_EQ(stream->dict()->get(names::DecodeParms())->asArray()->size(), 1);
     stream->removeFilter();
-    EXPECT_EQ(stream->data()->bytes(), stream->decode());
+    EXPECT_EQ(stream->data()->bytes(), "abc");
     EXPECT_EQ(stream->dict()->get(names::Filter()), nullptr);
     EXPECT_EQ(stream->dict()->get(names::DecodeParms()), nullptr);
 }
 
 TEST(Stream, DecodingFailures)
 {
-    auto streamWith = [](Ptr<Object> filter, Ptr<Object> parms, std::string data) {
-        Ptr<Stream> stream = make<Stream>(std::move(data));
-        stream->dict()->set(names::Filter(), std::move(filter));
-        stream->dict()->set(names::DecodeParms(), std::move(parms));
-        return stream;
-    };
     const std::string good = flate::compress("some text to inflate");
     Ptr<Array> flateList = make<Array>();
     flateList->append(names::FlateDecode());
@@ -173,20 +136,9 @@ TEST(Stream, DecodingFailures)
         {streamWith(make<Number>(1), nullptr, good), "removeFilter() - Filter value not valid"},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(messageOf([&] { c.stream->removeFilter(); }), c.message);
-        EXPECT_EQ(messageOf([&] { c.stream->decode(); }), c.message);
+        EXPECT_EQ(zpdfTest::errorOf([&] { c.stream->removeFilter(); }), c.message);
+        EXPECT_EQ(zpdfTest::errorOf([&] { c.stream->decode(); }), c.message);
     }
-}
-
-TEST(Stream, CompressedStreamInADocument)
-{
-    Document document;
-    Ptr<Stream> contents = make<Stream>("0 0 m 100 100 l S\n" + std::string(4000, ' ') + "0 100 m 100 0 l S");
-    contents->compress();
-    document.addPage(100, 100, nullptr, contents);
-    const std::string pdf = zpdfTest::writeChecked(document);
-    EXPECT_NE(pdf.find("/Filter /FlateDecode\r\n/Length " + std::to_string(contents->data()->size())),
-              std::string::npos);
 }
 
 } // namespace

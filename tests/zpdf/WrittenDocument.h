@@ -1,7 +1,9 @@
 #pragma once
-// Writes a document the way the module does and checks the result with outside tools.
+// Writes a document the way the module does and checks the result with outside tools;
+// small helpers the PDF tests share.
 
 #include "zpdf/Document.h"
+#include "zpdf/PdfException.h"
 
 #include <string>
 
@@ -16,5 +18,22 @@ std::string pdfinfo(const std::string& pdf);
 
 // A fresh path in the temporary folder.
 std::string temporaryPath(const char* suffix);
+
+std::string readFile(const std::string& path);
+
+// Runs a shell command natively, appending its output (stderr too); returns its exit code.
+int run(const std::string& command, std::string& output);
+
+// The message of the PdfException that `action` throws, or "(no exception)".
+template <class Action>
+std::string errorOf(Action&& action)
+{
+    try {
+        action();
+    } catch (const zpdf::PdfException& error) {
+        return error.what();
+    }
+    return "(no exception)";
+}
 
 } // namespace zpdfTest
