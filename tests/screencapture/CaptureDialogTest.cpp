@@ -14,8 +14,9 @@
 #include "tests/screencapture/CaptureTestKit.h"
 #include "tests/support/UiRobot.h"
 
+#include <algorithm>
 #include <chrono>
-#include <cstdlib>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -29,22 +30,13 @@ std::wstring text(const wchar_t* key)
     return lang_getStr(key).c_str();
 }
 
-bool isDialog(HWND window)
-{
-    return windowClass(window) == L"XhtmlFrameView" && windowText(window) == text(L"screen-capture/capture-screen");
-}
-
-HWND waitForDialog(UiRobot& robot)
-{
-    return robot.waitForWindow(isDialog, "the capture dialog");
-}
-
-// The dialog's two selects in markup order: mode, then target.
-std::vector<HWND> selects(HWND dialog)
+// The dialog's visible child windows, of one class if given, in markup order (the selects:
+// mode, then target).
+std::vector<HWND> children(HWND dialog, const wchar_t* className = nullptr)
 {
     std::vector<HWND> found;
     for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        if (windowClass(child) == L"ComboBox")
+        if ((!className || windowClass(child) == className) && IsWindowVisible(child))
             found.push_back(child);
     }
     return found;
@@ -53,12 +45,10 @@ std::vector<HWND> selects(HWND dialog)
 std::wstring shownText(HWND combo)
 {
     const LRESULT index = SendMessageW(combo, CB_GETCURSEL, 0, 0);
-    if (index < 0)
-        return L"";
-    std::wstring label(static_cast<size_t>(SendMessageW(combo, CB_GETLBTEXTLEN, index, 0)) + 1, L'\0');
-    SendMessageW(combo, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(label.data()));
-    label.resize(wcslen(label.c_str()));
-    return label;
+    std::wstring label(index < 0 ? 0 : static_cast<size_t>(SendMessageW(combo, CB_GETLBTEXTLEN, index, 0)) + 1, L'\0');
+    if (index >= 0)
+        SendMessageW(combo, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(label.data()));
+    return label.c_str();
 }
 
 // What Windows does when the user picks an entry in an open drop-down list.
@@ -71,37 +61,31 @@ void choose(HWND combo, const std::wstring& label)
     SendMessageW(GetParent(combo), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(combo), CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
 }
 
-HWND startButton(HWND dialog)
+// Runs `capture` while a robot waits for the dialog, lets `act` use it, closes it unless
+// `act` started the capture, waits until it has gone and then runs `gone`.
+void withDialog(const std::function<void()>& capture, const std::function<void(HWND dialog)>& act,
+                bool close = true, const std::function<void()>& gone = [] {})
 {
-    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        if (windowClass(child) == L"Button" && windowText(child) == text(L"screen-capture/start"))
-            return child;
-    }
-    throw RobotFailure("no start button");
-}
-
-struct Opened {
-    std::wstring mode;
-    std::wstring target;
-};
-
-// Shows the dialog through the module's export, reads what it starts with and closes it.
-Opened openAndClose()
-{
-    Opened opened;
     UiRobot robot([&](UiRobot& r) {
-        HWND dialog = waitForDialog(r);
-        const std::vector<HWND> lists = selects(dialog);
-        if (lists.size() != 2)
-            throw RobotFailure("the dialog should have two selects");
-        opened = Opened{shownText(lists[0]), shownText(lists[1])};
-        PostMessageW(dialog, WM_CLOSE, 0, 0);
+        HWND dialog = r.waitForWindow(
+            [](HWND w) { return windowClass(w) == L"XhtmlFrameView" && windowText(w) == text(L"screen-capture/capture-screen"); },
+            "the capture dialog");
+        act(dialog);
+        if (close)
+            PostMessageW(dialog, WM_CLOSE, 0, 0);
         r.waitForWindowGone(dialog);
+        gone();
     });
-    screenCapture::capture(screenCapture::noMode, screenCapture::file);
+    capture();
     EXPECT_EQ(robot.finish(), "");
-    return opened;
 }
+
+// The run in this program, so that its seams can be used; the markup and images are the
+// module's resources.
+struct InThisProgram {
+    InThisProgram() { screenCapture::setModuleInstance(GetModuleHandleW(L"screencapture.dll")); }
+    ~InThisProgram() { screenCapture::setModuleInstance(nullptr); }
+};
 
 using CaptureDialog = CaptureTest;
 
@@ -109,12 +93,11 @@ TEST_F(CaptureDialog, OpensWithTheStoredChoiceOrTheMarkupsDefaults)
 {
     const std::wstring area = text(L"screen-capture/mode/user-defined-area");
     const std::wstring pdf = text(L"screen-capture/target/print-on-pdf-printer");
-    struct Case {
+    const struct {
         const char* what;
-        uint32_t mode;   // kUnwritten: nothing stored
-        uint32_t target; // kUnwritten: nothing stored
-        std::wstring shownMode;
-        std::wstring shownTarget;
+        uint32_t mode; // kUnwritten: nothing stored
+        uint32_t target;
+        std::wstring shownMode, shownTarget;
     } cases[] = {
         {"first use", kUnwritten, kUnwritten, area, pdf},
         {"the clipboard mode has no entry", 6, 1, area, text(L"screen-capture/target/copy-to-clipboard")},
@@ -122,132 +105,63 @@ TEST_F(CaptureDialog, OpensWithTheStoredChoiceOrTheMarkupsDefaults)
          text(L"screen-capture/target/open-with-default-image-editor")},
         {"values out of range", 99, 0, area, pdf},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         if (c.mode != kUnwritten) {
             ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastMode", c.mode));
             ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastTarget", c.target));
         }
-        const Opened opened = openAndClose();
-        EXPECT_EQ(opened.mode, c.shownMode) << c.what;
-        EXPECT_EQ(opened.target, c.shownTarget) << c.what;
+        std::vector<std::wstring> shown;
+        withDialog([] { screenCapture::capture(screenCapture::noMode, screenCapture::file); }, [&](HWND dialog) {
+            for (HWND combo : children(dialog, L"ComboBox"))
+                shown.push_back(shownText(combo));
+        });
+        EXPECT_EQ(shown, (std::vector<std::wstring>{c.shownMode, c.shownTarget})) << c.what;
     }
 }
 
 TEST_F(CaptureDialog, ClosingCapturesNothingAndStoresNothing)
 {
     std::vector<std::wstring> afterwards;
-    UiRobot robot([&](UiRobot& r) {
-        HWND dialog = waitForDialog(r);
-        const std::vector<HWND> lists = selects(dialog);
-        choose(lists.at(0), text(L"screen-capture/mode/screen"));
-        PostMessageW(dialog, WM_CLOSE, 0, 0);
-        r.waitForWindowGone(dialog);
-        Sleep(400); // a capture would have begun by now
-        for (HWND window : processWindows())
-            afterwards.push_back(windowClass(window) + L" " + windowText(window));
-    });
-    screenCapture::capture(screenCapture::noMode, screenCapture::toClipboard);
-    ASSERT_EQ(robot.finish(), "");
+    withDialog([] { screenCapture::capture(screenCapture::noMode, screenCapture::toClipboard); },
+               [](HWND dialog) { choose(children(dialog, L"ComboBox").at(0), text(L"screen-capture/mode/screen")); },
+               true, [&] {
+                   Sleep(400); // a capture would have begun by now
+                   for (HWND window : processWindows())
+                       afterwards.push_back(windowClass(window) + L" " + windowText(window));
+               });
     EXPECT_TRUE(afterwards.empty()) << "no message box, overlay or other window";
     EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", kUnwritten), kUnwritten);
     EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", kUnwritten), kUnwritten);
 }
 
 // The tray note of the clipboard target, seen through the module's seam: when it came.
-Clock::time_point noteTime;
-int notes = 0;
-void recordNote(const ZString&, const ZString&)
-{
-    noteTime = Clock::now();
-    ++notes;
-}
+std::vector<Clock::time_point> notes;
 
 TEST_F(CaptureDialog, StartStoresTheChoiceAndCapturesAfterTheDialogHasGone)
 {
-    // The run in this program, so that its tray note can be seen; the markup and images
-    // are the module's resources.
-    screenCapture::setModuleInstance(GetModuleHandleW(L"screencapture.dll"));
+    InThisProgram run;
     const screenCapture::TrayNote kept = screenCapture::trayNote;
-    screenCapture::trayNote = recordNote;
-    notes = 0;
+    screenCapture::trayNote = [](const ZString&, const ZString&) { notes.push_back(Clock::now()); };
+    notes.clear();
     Clock::time_point gone;
-    UiRobot robot([&](UiRobot& r) {
-        HWND dialog = waitForDialog(r);
-        const std::vector<HWND> lists = selects(dialog);
-        choose(lists.at(0), text(L"screen-capture/mode/screen"));
-        choose(lists.at(1), text(L"screen-capture/target/copy-to-clipboard"));
-        pressButton(dialog, GetDlgCtrlID(startButton(dialog)));
-        r.waitForWindowGone(dialog);
-        gone = Clock::now();
-    });
-    screenCapture::performCapture(screenCapture::noMode, screenCapture::file);
+    withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
+               [](HWND dialog) {
+                   const std::vector<HWND> lists = children(dialog, L"ComboBox");
+                   choose(lists.at(0), text(L"screen-capture/mode/screen"));
+                   choose(lists.at(1), text(L"screen-capture/target/copy-to-clipboard"));
+                   const std::vector<HWND> buttons = children(dialog, L"Button");
+                   if (buttons.size() != 1 || windowText(buttons[0]) != text(L"screen-capture/start"))
+                       throw RobotFailure("no start button");
+                   pressButton(dialog, GetDlgCtrlID(buttons[0]));
+               },
+               false, [&] { gone = Clock::now(); });
     screenCapture::trayNote = kept;
-    screenCapture::setModuleInstance(nullptr);
-    ASSERT_EQ(robot.finish(), "");
     EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", kUnwritten), 1u);
     EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", kUnwritten), 1u);
-    ASSERT_EQ(notes, 1) << "the screen went to the clipboard";
-    EXPECT_GE(std::chrono::duration_cast<std::chrono::milliseconds>(noteTime - gone).count(), 250);
+    ASSERT_EQ(notes.size(), 1u) << "the screen went to the clipboard";
+    EXPECT_GE(std::chrono::duration_cast<std::chrono::milliseconds>(notes[0] - gone).count(), 250);
     const std::vector<UINT> formats = clipboardFormats();
     EXPECT_NE(std::find(formats.begin(), formats.end(), static_cast<UINT>(CF_BITMAP)), formats.end());
-}
-
-// The dialog's client area as the screen shows it, with its place on the screen.
-struct DialogLook {
-    std::wstring title;
-    RECT client = {};
-    std::vector<std::pair<std::wstring, RECT>> children; // client coordinates
-    PixelGrid pixels;
-};
-
-DialogLook lookAtDialog()
-{
-    DialogLook look;
-    UiRobot robot([&](UiRobot& r) {
-        HWND dialog = waitForDialog(r);
-        Sleep(300); // painted, and any deferred fit done
-        look.title = windowText(dialog);
-        GetClientRect(dialog, &look.client);
-        for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-            if (!IsWindowVisible(child))
-                continue;
-            RECT box;
-            GetWindowRect(child, &box);
-            MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&box), 2);
-            look.children.emplace_back(windowClass(child), box);
-        }
-        RECT onScreen = look.client;
-        MapWindowPoints(dialog, nullptr, reinterpret_cast<POINT*>(&onScreen), 2);
-        look.pixels = readScreenPixels(onScreen);
-        PostMessageW(dialog, WM_CLOSE, 0, 0);
-        r.waitForWindowGone(dialog);
-    });
-    screenCapture::capture(screenCapture::noMode, screenCapture::noTarget);
-    EXPECT_EQ(robot.finish(), "");
-    return look;
-}
-
-std::wstring buildFolder()
-{
-    wchar_t path[MAX_PATH];
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring folder = path;
-    folder.resize(folder.find_last_of(L'\\')); // bin
-    folder.resize(folder.find_last_of(L'\\'));
-    return folder;
-}
-
-void savePng(const PixelGrid& grid, const std::wstring& path)
-{
-    Gdiplus::Bitmap image(grid.width, grid.height, PixelFormat32bppRGB);
-    for (int y = 0; y < grid.height; ++y) {
-        for (int x = 0; x < grid.width; ++x)
-            image.SetPixel(x, y, Gdiplus::Color(0xFF000000 | grid.at(x, y)));
-    }
-    CLSID png;
-    ASSERT_GE(findEncoder(L"image/png", &png), 0);
-    CreateDirectoryW(path.substr(0, path.find_last_of(L'\\')).c_str(), nullptr);
-    EXPECT_EQ(image.Save(path.c_str(), &png, nullptr), Gdiplus::Ok);
 }
 
 int grey(uint32_t pixel)
@@ -257,21 +171,51 @@ int grey(uint32_t pixel)
 
 TEST_F(CaptureDialog, LooksAsDesigned)
 {
-    const DialogLook look = lookAtDialog();
-    ASSERT_GT(look.pixels.width, 0);
-    savePng(look.pixels, buildFolder() + L"\\screenshots\\capture-dialog.png");
+    std::wstring title;
+    RECT client = {};
+    std::vector<std::pair<std::wstring, RECT>> controls; // client coordinates
+    PixelGrid p;
+    withDialog([] { screenCapture::capture(screenCapture::noMode, screenCapture::noTarget); }, [&](HWND dialog) {
+        Sleep(300); // painted, and any deferred fit done
+        title = windowText(dialog);
+        GetClientRect(dialog, &client);
+        for (HWND child : children(dialog)) {
+            RECT box;
+            GetWindowRect(child, &box);
+            MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&box), 2);
+            controls.emplace_back(windowClass(child), box);
+        }
+        RECT onScreen = client;
+        MapWindowPoints(dialog, nullptr, reinterpret_cast<POINT*>(&onScreen), 2);
+        p = readScreenPixels(onScreen);
+    });
+    ASSERT_GT(p.width, 0);
 
-    EXPECT_EQ(look.title, text(L"screen-capture/capture-screen"));
-    ASSERT_EQ(look.children.size(), 3u) << "two selects and the start button";
-    for (const auto& child : look.children) {
-        const RECT& box = child.second;
-        EXPECT_TRUE(box.left >= 0 && box.top >= 0 && box.right <= look.client.right && box.bottom <= look.client.bottom)
-            << "a " << std::string(child.first.begin(), child.first.end()) << " lies outside the client area";
+    // The screenshot, next to bin in the build tree.
+    Gdiplus::Bitmap image(p.width, p.height, PixelFormat32bppRGB);
+    for (int y = 0; y < p.height; ++y) {
+        for (int x = 0; x < p.width; ++x)
+            image.SetPixel(x, y, Gdiplus::Color(0xFF000000 | p.at(x, y)));
+    }
+    wchar_t path[MAX_PATH];
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    std::wstring folder = path;
+    folder.resize(folder.find_last_of(L'\\')); // bin
+    folder.replace(folder.find_last_of(L'\\'), std::wstring::npos, L"\\screenshots");
+    CreateDirectoryW(folder.c_str(), nullptr);
+    CLSID png;
+    ASSERT_GE(findEncoder(L"image/png", &png), 0);
+    EXPECT_EQ(image.Save((folder + L"\\capture-dialog.png").c_str(), &png, nullptr), Gdiplus::Ok);
+
+    EXPECT_EQ(title, text(L"screen-capture/capture-screen"));
+    ASSERT_EQ(controls.size(), 3u) << "two selects and the start button";
+    for (const auto& [kind, box] : controls) {
+        EXPECT_TRUE(box.left >= 0 && box.top >= 0 && box.right <= client.right && box.bottom <= client.bottom)
+            << "a " << std::string(kind.begin(), kind.end()) << " lies outside the client area";
     }
 
     // Down the left edge: the top band from white to #E8E8E8, one white line, then the
     // bottom bar from #E8E8E8 back to white.
-    const PixelGrid& p = look.pixels;
     int separator = -1;
     for (int y = 1; y + 1 < p.height; ++y) {
         if (p.at(2, y) == 0xFFFFFF && grey(p.at(2, y - 1)) < 0xF0 && grey(p.at(2, y + 1)) < 0xF0) {
@@ -295,42 +239,30 @@ struct PageRecord {
     int made = 0;
     RECT bounds = {};
     std::wstring address;
-};
-PageRecord pageRecord;
+} pageRecord;
 
-class RecordingPage : public screenCapture::InAppPage {
-public:
+struct RecordingPage : screenCapture::InAppPage {
     void setBounds(const RECT& bounds) override { pageRecord.bounds = bounds; }
     void navigate(const ZString& address) override { pageRecord.address = address.c_str(); }
 };
-
-std::unique_ptr<screenCapture::InAppPage> makeRecordingPage(HWND)
-{
-    ++pageRecord.made;
-    return std::make_unique<RecordingPage>();
-}
 
 // Runs the dialog of this program's run with the recording page installed and closes it;
 // returns the bottom bar's place in the client area as the robot measured it.
 RECT runWithInAppPage()
 {
-    screenCapture::setModuleInstance(GetModuleHandleW(L"screencapture.dll"));
-    screenCapture::inAppPageFactory = makeRecordingPage;
+    InThisProgram run;
+    screenCapture::inAppPageFactory = [](HWND) -> std::unique_ptr<screenCapture::InAppPage> {
+        ++pageRecord.made;
+        return std::make_unique<RecordingPage>();
+    };
     pageRecord = PageRecord();
-    RECT bottomBar = {};
-    UiRobot robot([&](UiRobot& r) {
-        HWND dialog = waitForDialog(r);
-        RECT client;
-        GetClientRect(dialog, &client);
-        bottomBar = RECT{0, client.bottom - 50, client.right, client.bottom};
-        PostMessageW(dialog, WM_CLOSE, 0, 0);
-        r.waitForWindowGone(dialog);
+    RECT bar = {};
+    withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::noTarget); }, [&](HWND dialog) {
+        GetClientRect(dialog, &bar);
+        bar.top = bar.bottom - 50;
     });
-    screenCapture::performCapture(screenCapture::noMode, screenCapture::noTarget);
     screenCapture::inAppPageFactory = nullptr;
-    screenCapture::setModuleInstance(nullptr);
-    EXPECT_EQ(robot.finish(), "");
-    return bottomBar;
+    return bar;
 }
 
 TEST_F(CaptureDialog, InAppPageCoversTheBottomBarOnlyWhenTheFeatureIsOn)
@@ -338,19 +270,16 @@ TEST_F(CaptureDialog, InAppPageCoversTheBottomBarOnlyWhenTheFeatureIsOn)
     runWithInAppPage();
     EXPECT_EQ(pageRecord.made, 0) << "the feature is off unless switched on";
 
-    const ZString user = env.registryKey() + L"\\User";
-    ASSERT_TRUE(RegistryKey::openForWriting(HKEY_CURRENT_USER, user).writeDword(L"feature.embeddedBrowser", 1));
+    ASSERT_TRUE(RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\User")
+                    .writeDword(L"feature.embeddedBrowser", 1));
     const RECT bar = runWithInAppPage();
     ASSERT_EQ(pageRecord.made, 1);
-    EXPECT_EQ(pageRecord.bounds.left, bar.left);
-    EXPECT_EQ(pageRecord.bounds.top, bar.top);
-    EXPECT_EQ(pageRecord.bounds.right, bar.right);
-    EXPECT_EQ(pageRecord.bounds.bottom, bar.bottom);
+    EXPECT_TRUE(EqualRect(&pageRecord.bounds, &bar));
     EXPECT_EQ(pageRecord.address.rfind(L"https://", 0), 0u);
     EXPECT_NE(pageRecord.address.find(L"/inapp/screenCapture/"), std::wstring::npos);
 
-    const ZString program = env.registryKey() + L"\\Program";
-    ASSERT_TRUE(RegistryKey::openForWriting(HKEY_CURRENT_USER, program).writeDword(L"NoEmbeddedBrowser", 1));
+    ASSERT_TRUE(RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program")
+                    .writeDword(L"NoEmbeddedBrowser", 1));
     runWithInAppPage();
     EXPECT_EQ(pageRecord.made, 0) << "the program setting switches it off";
 }

@@ -12,7 +12,7 @@
 
 class FixedMetricsCanvas : public xhtml::Canvas {
 public:
-    std::map<std::u16string, xhtml::Size> images;
+    std::map<std::string, xhtml::Size> images; // by UTF-8 address
     std::vector<std::string> calls;
 
     xhtml::FontMetrics fontMetrics(const xhtml::FontDescription& font) override
@@ -25,50 +25,38 @@ public:
     }
     std::optional<xhtml::Size> imageSize(const ZString& address) override
     {
-        auto found = images.find(key(address));
-        if (found == images.end())
-            return std::nullopt;
-        return found->second;
+        auto found = images.find(address.toUtf8());
+        return found == images.end() ? std::nullopt : std::optional<xhtml::Size>(found->second);
     }
 
-    void fillRect(const xhtml::Rect& area, xhtml::Colour colour) override
+    void fillRect(const xhtml::Rect& area, xhtml::Colour colour) override { record("fill", area, {colour}); }
+    void fillGradient(const xhtml::Rect& area, const xhtml::StyleGradient& g) override
     {
-        calls.push_back("fill " + rect(area) + " " + hex(colour));
-    }
-    void fillGradient(const xhtml::Rect& area, const xhtml::StyleGradient& gradient) override
-    {
-        calls.push_back("gradient " + rect(area) + " " + hex(gradient.first) + " " + hex(gradient.second) + " "
-                        + std::to_string(static_cast<int>(gradient.direction)));
+        record("gradient", area, {g.first, g.second}, " " + std::to_string(static_cast<int>(g.direction)));
     }
     void drawText(int x, int y, const ZString& text, const xhtml::FontDescription&, xhtml::Colour colour) override
     {
-        calls.push_back("text " + std::to_string(x) + "," + std::to_string(y) + " " + text.toUtf8() + " " + hex(colour));
+        calls.push_back("text " + std::to_string(x) + "," + std::to_string(y) + " " + text.toUtf8() + hex({colour}));
     }
-    void drawImage(const ZString& address, const xhtml::Rect& area) override
-    {
-        calls.push_back("image " + address.toUtf8() + " " + rect(area));
-    }
-    void pushClip(const xhtml::Rect& area) override { calls.push_back("clip " + rect(area)); }
+    void drawImage(const ZString& address, const xhtml::Rect& area) override { record("image " + address.toUtf8(), area); }
+    void pushClip(const xhtml::Rect& area) override { record("clip", area); }
     void popClip() override { calls.push_back("unclip"); }
 
-    static std::string rect(const xhtml::Rect& r)
-    {
-        return std::to_string(r.x) + "," + std::to_string(r.y) + " " + std::to_string(r.width) + "x"
-               + std::to_string(r.height);
-    }
-
 private:
-    static std::u16string key(const ZString& address)
+    void record(const std::string& what, const xhtml::Rect& r, std::vector<xhtml::Colour> colours = {},
+                const std::string& rest = "")
     {
-        std::u16string units;
-        for (ZChar unit : address.units())
-            units.push_back(static_cast<char16_t>(unit));
-        return units;
+        calls.push_back(what + " " + std::to_string(r.x) + "," + std::to_string(r.y) + " " + std::to_string(r.width)
+                        + "x" + std::to_string(r.height) + hex(colours) + rest);
     }
-    static std::string hex(xhtml::Colour colour)
+    static std::string hex(std::vector<xhtml::Colour> colours)
     {
-        char text[12];
-        snprintf(text, sizeof text, "#%08X", static_cast<unsigned>(colour));
-        return text;
+        std::string out;
+        for (xhtml::Colour colour : colours) {
+            char text[12];
+            snprintf(text, sizeof text, " #%08X", static_cast<unsigned>(colour));
+            out += text;
+        }
+        return out;
     }
 };

@@ -9,22 +9,20 @@
 #include <stdexcept>
 
 struct LaidOutMarkup {
-    LaidOutMarkup(const char16_t* markup, int width, int height = -1, double scale = 1.0,
-                  std::map<std::u16string, xhtml::Size> images = {})
+    LaidOutMarkup(const char16_t* markup, int width, std::map<std::string, xhtml::Size> images = {}, double scale = 1.0)
     {
         canvas.images = std::move(images);
         xhtml::MarkupTextFilter unchanged;
         document.setMarkup(ZString(markup), unchanged, ZString(u"res:///page.xhtml"));
         tree.build(document.root(), rules, document.baseAddress(), scale);
-        size = tree.layout(canvas, width, height);
+        size = tree.layout(canvas, width, -1);
     }
 
     xhtml::View& byId(const char16_t* id)
     {
-        xhtml::View* view = tree.findById(ZString(id));
-        if (!view)
-            throw std::runtime_error("no view with that id");
-        return *view;
+        if (xhtml::View* view = tree.findById(ZString(id)))
+            return *view;
+        throw std::runtime_error("no view with that id");
     }
 
     FixedMetricsCanvas canvas;

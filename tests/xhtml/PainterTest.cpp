@@ -38,7 +38,7 @@ TEST(Painter, BackgroundImagesRepeatAsToldWithinTheirBox)
 {
     LaidOutMarkup page(u"<div style='width:5px; height:4px; background-image:url(bg.png); background-repeat:repeat-x'></div>"
                        u"<div style='width:2px; height:5px; background-image:bg.png; background-repeat:no-repeat'></div>",
-                       50, -1, 1.0, {{u"bg.png", {2, 3}}});
+                       50, {{"bg.png", {2, 3}}});
     const std::vector<std::string> expected = {
         "clip 0,0 5x4", "image bg.png 0,0 2x3", "image bg.png 2,0 2x3", "image bg.png 4,0 2x3", "unclip",
         "clip 0,4 2x5", "image bg.png 0,4 2x3", "unclip",
@@ -51,13 +51,12 @@ TEST(Painter, HiddenAndUndisplayedViewsDrawNothing)
     LaidOutMarkup page(u"<div style='visibility:hidden'>a<span style='visibility:visible'>b</span></div>"
                        u"<div style='display:none'>c</div><font color=red>d</font>",
                        50);
-    const std::vector<std::string> expected = {"text 6,0 b #00000000", "text 0,12 d #000000FF"};
-    EXPECT_EQ(paint(page), expected);
+    EXPECT_EQ(paint(page), (std::vector<std::string>{"text 6,0 b #00000000", "text 0,12 d #000000FF"}));
 }
 
 TEST(Painter, BorderStylesBecomePieces)
 {
-    struct Case {
+    const struct {
         StyleKeyword style;
         Rect side;
         bool horizontal;
@@ -69,7 +68,7 @@ TEST(Painter, BorderStylesBecomePieces)
         {StyleKeyword::dotted, {0, 0, 7, 1}, true, {{0, 0, 1, 1}, {2, 0, 1, 1}, {4, 0, 1, 1}, {6, 0, 1, 1}}},
         {StyleKeyword::dashed, {5, 0, 1, 8}, false, {{5, 0, 1, 3}, {5, 6, 1, 2}}},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(xhtml::borderPieces(c.side, c.style, c.horizontal), c.pieces) << xhtml::keywordName(c.style);
 }
 

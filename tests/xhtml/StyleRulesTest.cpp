@@ -10,12 +10,7 @@ using namespace xhtml;
 
 namespace {
 
-const HtmlTagNode& firstElement(const HtmlTagNode& root)
-{
-    return static_cast<const HtmlTagNode&>(*root.children().at(0));
-}
-
-StyleRule rule(const char16_t* tag, const char16_t* id, const char16_t* className, const char16_t* declarations,
+StyleRule rule(const char16_t* tag, const char16_t* id, const char16_t* className, const char16_t* declarations = u"",
                PointerState state = PointerState::normal)
 {
     return StyleRule{ZString(tag), ZString(id), ZString(className), state, ZString(declarations)};
@@ -31,54 +26,48 @@ std::optional<Colour> colourOf(const StyleDef& style)
 
 TEST(StyleRuleMatching, ByTagIdAndClassWord)
 {
-    auto root = xhtmltest::parseDocument(ZString(u"<DIV id=Main class=\"box, wide;x:y\">"));
-    const HtmlTagNode& div = firstElement(*root);
+    auto root = xhtmltest::parseDocument(ZString(u"<DIV id=Main class=\"box, wide;x:y\"></DIV><p>"));
+    const auto& div = static_cast<const HtmlTagNode&>(*root->children().at(0));
+    const auto& p = static_cast<const HtmlTagNode&>(*root->children().at(1));
     const std::vector<ZString> words{ZString(u"box"), ZString(u"wide"), ZString(u"x"), ZString(u"y")};
-    struct Case {
+    const struct {
         StyleRule rule;
+        const HtmlTagNode& element;
         bool matches;
+    } cases[] = {
+        {rule(u"", u"", u""), div, true},
+        {rule(u"*", u"*", u"*"), div, true},
+        {rule(u"DIV", u"main", u"WIDE"), div, true},
+        {rule(u"", u"", u"y"), div, true},
+        {rule(u"span", u"", u""), div, false},
+        {rule(u"", u"other", u""), div, false},
+        {rule(u"", u"", u"bo"), div, false}, // whole words only
+        {rule(u"div", u"main", u"tall"), div, false},
+        {rule(u"p", u"", u""), p, true},
+        {rule(u"p", u"x", u""), p, false}, // an element without an id matches only any id
+        {rule(u"p", u"", u"c"), p, false},
     };
-    const Case cases[] = {
-        {rule(u"", u"", u"", u""), true},
-        {rule(u"*", u"*", u"*", u""), true},
-        {rule(u"div", u"", u"", u""), true},
-        {rule(u"DIV", u"main", u"WIDE", u""), true},
-        {rule(u"", u"", u"y", u""), true},
-        {rule(u"span", u"", u"", u""), false},
-        {rule(u"", u"other", u"", u""), false},
-        {rule(u"", u"", u"bo", u""), false}, // whole words only
-        {rule(u"div", u"main", u"tall", u""), false},
-    };
-    for (size_t i = 0; i < sizeof cases / sizeof cases[0]; ++i)
-        EXPECT_EQ(StyleRuleList::matches(cases[i].rule, div, words), cases[i].matches) << "case " << i;
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        const bool isDiv = &cases[i].element == &div;
+        EXPECT_EQ(StyleRuleList::matches(cases[i].rule, cases[i].element, isDiv ? words : std::vector<ZString>{}),
+                  cases[i].matches)
+            << "case " << i;
+    }
 }
 
-TEST(StyleRuleMatching, ElementWithoutIdMatchesOnlyAnyId)
-{
-    auto root = xhtmltest::parseDocument(ZString(u"<p>"));
-    EXPECT_TRUE(StyleRuleList::matches(rule(u"p", u"", u"", u""), firstElement(*root), {}));
-    EXPECT_FALSE(StyleRuleList::matches(rule(u"p", u"x", u"", u""), firstElement(*root), {}));
-    EXPECT_FALSE(StyleRuleList::matches(rule(u"p", u"", u"c", u""), firstElement(*root), {}));
-}
-
-TEST(StyleRuleApplying, InListOrderForTheStateOnly)
+TEST(StyleRuleApplying, InListOrderForTheStateOnlyThenTheOwnStyle)
 {
     auto root = xhtmltest::parseDocument(ZString(u"<td class=cell style=\"width:9\" mostyle=\"color:lime\">"));
-    const HtmlTagNode& td = firstElement(*root);
+    const auto& td = static_cast<const HtmlTagNode&>(*root->children().at(0));
     StyleRuleList rules;
     rules.add(rule(u"td", u"", u"", u"color:red; width:1"));
     rules.add(rule(u"", u"", u"cell", u"color:blue"));
     rules.add(rule(u"td", u"", u"", u"color:white", PointerState::over));
     rules.add(rule(u"span", u"", u"", u"color:black"));
 
-    StyleDef normal;
-    rules.apply(td, PointerState::normal, normal);
+    const StyleDef normal = rules.styleFor(td, PointerState::normal);
     EXPECT_EQ(colourOf(normal), Colour(0xFF0000)); // the later rule wins
-
-    const StyleDef withOwn = rules.styleFor(td, PointerState::normal);
-    EXPECT_EQ(colourOf(withOwn), Colour(0xFF0000));
-    EXPECT_EQ(std::get<StyleNumber>(*withOwn.get(StyleProperty::width)).integer, 9); // own style last
-
+    EXPECT_EQ(std::get<StyleNumber>(*normal.get(StyleProperty::width)).integer, 9); // own style last
     const StyleDef over = rules.styleFor(td, PointerState::over);
     EXPECT_EQ(colourOf(over), Colour(0x00FF00)); // the rule, then moStyle
     EXPECT_FALSE(over.has(StyleProperty::width));
@@ -93,44 +82,35 @@ TEST(StyleSheets, SelectorsAndBlocks)
                                              "span.a.b {} .x:rbd {top:1} unclosed { color: red"));
     ASSERT_EQ(added, 5);
     const std::vector<StyleRule>& list = rules.rules();
-    EXPECT_EQ(list[0].tag, ZString(u"div"));
-    EXPECT_EQ(list[0].id, ZString(u"bottom"));
-    EXPECT_EQ(list[0].className, ZString(u"bar"));
-    EXPECT_EQ(list[0].state, PointerState::over);
-    EXPECT_EQ(list[0].declarations, ZString(u"color: red"));
-    EXPECT_EQ(list[1].tag, ZString(u"td"));
-    EXPECT_EQ(list[2].className, ZString(u"note"));
-    EXPECT_EQ(list[2].tag, ZString());
-    EXPECT_EQ(list[3].tag, ZString(u"*"));
-    EXPECT_EQ(list[3].state, PointerState::leftButtonDown);
-    EXPECT_EQ(list[3].declarations, ZString(u"width:5"));
-    EXPECT_EQ(list[4].className, ZString(u"x"));
-    EXPECT_EQ(list[4].state, PointerState::rightButtonDown);
+    auto expectRule = [&](size_t i, const char16_t* tag, const char16_t* id, const char16_t* className,
+                          PointerState state, const char16_t* declarations) {
+        EXPECT_EQ(list[i].tag, ZString(tag)) << i;
+        EXPECT_EQ(list[i].id, ZString(id)) << i;
+        EXPECT_EQ(list[i].className, ZString(className)) << i;
+        EXPECT_EQ(list[i].state, state) << i;
+        EXPECT_EQ(list[i].declarations, ZString(declarations)) << i;
+    };
+    expectRule(0, u"div", u"bottom", u"bar", PointerState::over, u"color: red");
+    expectRule(1, u"td", u"", u"", PointerState::normal, u"width:5");
+    expectRule(2, u"", u"", u"note", PointerState::normal, u"width:5");
+    expectRule(3, u"*", u"", u"", PointerState::leftButtonDown, u"width:5");
+    expectRule(4, u"", u"", u"x", PointerState::rightButtonDown, u"top:1");
 }
 
 TEST(PointerStates, Names)
 {
-    struct Case {
+    const struct {
         const char16_t* name;
         std::optional<PointerState> state;
+    } cases[] = {
+        {u"hover", PointerState::over},          {u"hoover", PointerState::over},
+        {u"  MO ", PointerState::over},          {u"HoVeR", PointerState::over},
+        {u"LeftButtonDown", PointerState::leftButtonDown}, {u"lbd", PointerState::leftButtonDown},
+        {u"rightbuttondown", PointerState::rightButtonDown}, {u"rbd", PointerState::rightButtonDown},
+        {u"normal", PointerState::normal},       {u"press", std::nullopt}, {u"", std::nullopt},
     };
-    const Case cases[] = {
-        {u"hover", PointerState::over},
-        {u"hoover", PointerState::over},
-        {u"  MO ", PointerState::over},
-        {u"HoVeR", PointerState::over},
-        {u"leftbuttondown", PointerState::leftButtonDown},
-        {u"LeftButtonDown", PointerState::leftButtonDown},
-        {u"lbd", PointerState::leftButtonDown},
-        {u"rightbuttondown", PointerState::rightButtonDown},
-        {u"rbd", PointerState::rightButtonDown},
-        {u"normal", PointerState::normal},
-        {u"press", std::nullopt},
-        {u"", std::nullopt},
-    };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(pointerStateFromName(ZString(c.name)), c.state) << ZString(c.name).toUtf8();
-    EXPECT_EQ(static_cast<int>(PointerState::rightButtonDown), 3);
     EXPECT_EQ(std::u16string(styleAttributeName(PointerState::over)), u"mostyle");
     EXPECT_EQ(std::u16string(styleAttributeName(PointerState::normal)), u"style");
 }

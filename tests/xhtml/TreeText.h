@@ -11,41 +11,26 @@
 
 namespace xhtmltest {
 
-inline void appendTree(const xhtml::HtmlNode& node, std::string& out)
-{
-    if (node.isText()) {
-        out += '"' + static_cast<const xhtml::HtmlTextNode&>(node).text().toUtf8() + '"';
-        return;
-    }
-    const auto& tag = static_cast<const xhtml::HtmlTagNode&>(node);
-    out += tag.name().toUtf8();
-    if (!tag.attributes().empty()) {
-        out += '(';
-        for (size_t i = 0; i < tag.attributes().size(); ++i) {
-            const xhtml::HtmlAttribute& attribute = tag.attributes()[i];
-            out += (i ? " " : "") + attribute.name.toUtf8() + "=[" + attribute.value.toUtf8() + "]";
-        }
-        out += ')';
-    }
-    if (!tag.children().empty()) {
-        out += '{';
-        for (size_t i = 0; i < tag.children().size(); ++i) {
-            if (i)
-                out += ' ';
-            appendTree(*tag.children()[i], out);
-        }
-        out += '}';
-    }
-}
-
-// The children of a root, without the root itself.
-inline std::string contentText(const xhtml::HtmlTagNode& root)
+// The children of a node in text form, without the node itself; attributes on request.
+inline std::string contentText(const xhtml::HtmlTagNode& parent, bool attributes = true)
 {
     std::string out;
-    for (size_t i = 0; i < root.children().size(); ++i) {
-        if (i)
-            out += ' ';
-        appendTree(*root.children()[i], out);
+    for (const auto& child : parent.children()) {
+        out += out.empty() ? "" : " ";
+        if (child->isText()) {
+            out += '"' + static_cast<const xhtml::HtmlTextNode&>(*child).text().toUtf8() + '"';
+            continue;
+        }
+        const auto& tag = static_cast<const xhtml::HtmlTagNode&>(*child);
+        out += tag.name().toUtf8();
+        if (attributes && !tag.attributes().empty()) {
+            out += '(';
+            for (const xhtml::HtmlAttribute& attribute : tag.attributes())
+                out += (out.back() == '(' ? "" : " ") + attribute.name.toUtf8() + "=[" + attribute.value.toUtf8() + "]";
+            out += ')';
+        }
+        if (!tag.children().empty())
+            out += '{' + contentText(tag, attributes) + '}';
     }
     return out;
 }

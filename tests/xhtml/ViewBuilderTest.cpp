@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-using xhtml::ControlType;
 using xhtml::View;
-using xhtml::ViewKind;
 
 namespace {
 
@@ -16,17 +14,21 @@ std::string kinds(const View& view)
     static const char* const names[] = {"block", "inline", "text", "image", "br", "hr", "table", "tr", "td", "control"};
     std::string out;
     for (const auto& child : view.children) {
-        out += out.empty() ? "" : " ";
-        out += names[static_cast<int>(child->kind)];
+        out += (out.empty() ? "" : " ") + std::string(names[static_cast<int>(child->kind)]);
         if (!child->children.empty())
             out += "(" + kinds(*child) + ")";
     }
     return out;
 }
 
-TEST(ViewBuilder, TextIsCollapsedThenDecoded)
+TEST(ViewBuilder, KnownElementsGetViewsTextIsCollapsedThenDecodedImagesResolve)
 {
-    struct Case {
+    LaidOutMarkup page(u"<html><head><title>T</title><style>p{}</style></head><body><p>a<blink>b</blink></p>"
+                       u"<table><tbody> <tr> <td>c</td> </tr></tbody></table><img src=x.png>after"
+                       u"<select><option>o</option></select><textarea>t</textarea></body></html>",
+                       200);
+    EXPECT_EQ(kinds(*page.tree.root()), "block(block(text text) table(tr(td(text))) image text control control)");
+    const struct {
         const char16_t* raw;
         const char16_t* text;
     } cases[] = {
@@ -35,22 +37,8 @@ TEST(ViewBuilder, TextIsCollapsedThenDecoded)
         {u"&lt;b&gt; &amp;amp;", u"<b> &amp;"},
         {u"x&#32;&#32;y", u"x  y"},
     };
-    for (const Case& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(xhtml::ViewBuilder::collapsedText(ZString(c.raw)), ZString(c.text)) << ZString(c.raw).toUtf8();
-}
-
-TEST(ViewBuilder, KnownElementsGetViewsAndUnknownOnesOnlyTheirContent)
-{
-    LaidOutMarkup page(u"<html><head><title>T</title><style>p{}</style></head><body><p>a<blink>b</blink></p>"
-                       u"<table><tbody> <tr> <td>c</td> </tr></tbody></table><img src=x.png>after"
-                       u"<select><option>o</option></select><textarea>t</textarea></body></html>",
-                       200);
-    EXPECT_EQ(kinds(*page.tree.root()), "block(block(text text) table(tr(td(text))) image text control control)");
-}
-
-TEST(ViewBuilder, ImagesResolveAgainstTheMarkupsAddress)
-{
-    EXPECT_EQ(xhtml::resolveAddress(ZString(u"res:///captureUi.xhtml"), ZString(u"logo.png")), ZString(u"res:///logo.png"));
     EXPECT_EQ(xhtml::resolveAddress(ZString(u"res:///ui/page.xhtml"), ZString(u"a.png")), ZString(u"res:///ui/a.png"));
     EXPECT_EQ(xhtml::resolveAddress(ZString(u"res:///page.xhtml"), ZString(u"https://x/a.png")), ZString(u"https://x/a.png"));
 }
@@ -70,9 +58,8 @@ TEST(ViewBuilder, ControlsCarryTheirModel)
     EXPECT_EQ(single.options[2].value, ZString(u"Gamma")) << "without a value the label is the value";
     EXPECT_EQ(single.selectedValue(), ZString(u"Gamma")) << "one choice: the last marked option";
     const xhtml::ControlModel& multiple = *page.byId(u"m").control;
-    EXPECT_TRUE(multiple.isList());
-    EXPECT_TRUE(multiple.options[0].selected && multiple.options[1].selected);
-    EXPECT_EQ(page.byId(u"k").control->type, ControlType::checkbox);
+    EXPECT_TRUE(multiple.isList() && multiple.options[0].selected && multiple.options[1].selected);
+    EXPECT_EQ(page.byId(u"k").control->type, xhtml::ControlType::checkbox);
     EXPECT_TRUE(page.byId(u"k").control->checked);
     EXPECT_EQ(page.byId(u"t").control->value, ZString(u" x "));
     EXPECT_FALSE(page.byId(u"h").isDisplayed());

@@ -15,39 +15,34 @@ using xhtml::XhtmlFrameView;
 
 namespace {
 
-class GdiplusOn {
-public:
-    GdiplusOn()
-    {
-        Gdiplus::GdiplusStartupInput input;
-        Gdiplus::GdiplusStartup(&token_, &input, nullptr);
-    }
-    ~GdiplusOn() { Gdiplus::GdiplusShutdown(token_); }
-
-private:
-    ULONG_PTR token_ = 0;
-};
-
-class Frame : public XhtmlFrameView {
-public:
-    Frame()
-    {
-        XhtmlFrameView::registerClass(GetModuleHandleW(nullptr));
-        create(0, className, L"test frame", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400, 300, nullptr, nullptr,
-               GetModuleHandleW(nullptr), this);
-    }
-};
-
 struct Presses : xhtml::ButtonListener, xhtml::LinkListener {
     std::vector<std::wstring> heard;
     void onButtonPressed(const ZString& name) override { heard.push_back(L"button " + std::wstring(name.c_str())); }
     void onLinkClicked(const ZString& href) override { heard.push_back(L"link " + std::wstring(href.c_str())); }
 };
 
+struct GdiplusOn {
+    ULONG_PTR token = 0;
+    GdiplusOn()
+    {
+        Gdiplus::GdiplusStartupInput input;
+        Gdiplus::GdiplusStartup(&token, &input, nullptr);
+    }
+    ~GdiplusOn() { Gdiplus::GdiplusShutdown(token); }
+};
+
+// GDI+ on and a visible 400 x 300 frame for each test.
 class MarkupHost : public testing::Test {
 protected:
+    MarkupHost()
+    {
+        XhtmlFrameView::registerClass(GetModuleHandleW(nullptr));
+        frame.create(0, XhtmlFrameView::className, L"test frame", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 400, 300,
+                     nullptr, nullptr, GetModuleHandleW(nullptr), &frame);
+    }
+
     GdiplusOn gdiplus;
-    Frame frame;
+    XhtmlFrameView frame;
 };
 
 const wchar_t* const kSelects =
@@ -125,32 +120,23 @@ TEST_F(MarkupHost, LoadsMarkupAndImagesFromTheModulesResourcesWithTheirAlpha)
     EXPECT_FALSE(xhtml::ImageCache::decode({1, 2, 3}));
 }
 
-RECT clientOf(HWND window)
-{
-    RECT client;
-    GetClientRect(window, &client);
-    return client;
-}
-
 TEST_F(MarkupHost, SizesToItsContentOnceAfterABurstOfChanges)
 {
-    const RECT before = clientOf(frame.handle());
+    const LONG before = frame.clientRect().right;
     frame.setAxisMode(3, 0);
     frame.setSizeToContent(true, true);
     frame.setMarkup(L"<div style='width:120px; height:40px'></div>");
     frame.setMarkup(L"<div style='width:150px; height:60px'></div>");
-    EXPECT_EQ(clientOf(frame.handle()).right, before.right) << "the fit waits";
+    EXPECT_EQ(frame.clientRect().right, before) << "the fit waits";
     pumpMessages(200);
-    RECT client = clientOf(frame.handle());
-    EXPECT_EQ(client.right, 150);
-    EXPECT_EQ(client.bottom, 60);
+    EXPECT_EQ(frame.clientRect().right, 150);
+    EXPECT_EQ(frame.clientRect().bottom, 60);
 
     frame.setSizeToContent(false, true);
     frame.setMarkup(L"<div style='width:90px; height:70px'></div>");
     frame.requestFit(true);
-    client = clientOf(frame.handle());
-    EXPECT_EQ(client.right, 150) << "the width no longer follows";
-    EXPECT_EQ(client.bottom, 70);
+    EXPECT_EQ(frame.clientRect().right, 150) << "the width no longer follows";
+    EXPECT_EQ(frame.clientRect().bottom, 70);
 }
 
 TEST_F(MarkupHost, PercentagesFollowTheWindowWhenItDoesNotSizeItself)
