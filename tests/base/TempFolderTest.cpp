@@ -10,46 +10,36 @@
 #include <windows.h>
 #include <shlwapi.h>
 
+#include <functional>
 #include <regex>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace {
 
-// Sets an environment variable (null: removes it) and puts the old value back.
-class EnvironmentOverride {
+// Sets TMP, TEMP and TMPDIR (empty: removed) and puts the old values back.
+class TempVariables {
 public:
-    EnvironmentOverride(const wchar_t* name, const wchar_t* value) : name_(name)
+    TempVariables(const ZString& tmp, const ZString& temp, const ZString& tmpdir)
     {
-        const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
-        if (size > 0) {
-            std::vector<wchar_t> buffer(size);
-            GetEnvironmentVariableW(name, buffer.data(), size);
-            saved_ = buffer.data();
-            hadValue_ = true;
+        const ZString values[] = {tmp, temp, tmpdir};
+        for (int i = 0; i < 3; ++i) {
+            std::vector<wchar_t> buffer(32768);
+            had_[i] = GetEnvironmentVariableW(kNames[i], buffer.data(), 32768) > 0;
+            saved_[i] = buffer.data();
+            SetEnvironmentVariableW(kNames[i], values[i].isEmpty() ? nullptr : values[i].c_str());
         }
-        SetEnvironmentVariableW(name, value);
     }
-    ~EnvironmentOverride() { SetEnvironmentVariableW(name_.c_str(), hadValue_ ? saved_.c_str() : nullptr); }
-    EnvironmentOverride(const EnvironmentOverride&) = delete;
-    EnvironmentOverride& operator=(const EnvironmentOverride&) = delete;
+    ~TempVariables()
+    {
+        for (int i = 0; i < 3; ++i)
+            SetEnvironmentVariableW(kNames[i], had_[i] ? saved_[i].c_str() : nullptr);
+    }
 
 private:
-    std::wstring name_;
-    std::wstring saved_;
-    bool hadValue_ = false;
-};
-
-// The three variables that the system temporary folder is taken from, all at once.
-struct TempVariables {
-    TempVariables(const ZString& tmp, const ZString& temp, const ZString& tmpdir)
-        : tmp(L"TMP", tmp.c_str()), temp(L"TEMP", temp.c_str()), tmpdir(L"TMPDIR", tmpdir.isEmpty() ? nullptr : tmpdir.c_str())
-    {
-    }
-    EnvironmentOverride tmp;
-    EnvironmentOverride temp;
-    EnvironmentOverride tmpdir;
+    static constexpr const wchar_t* kNames[3] = {L"TMP", L"TEMP", L"TMPDIR"};
+    std::wstring saved_[3];
+    bool had_[3] = {};
 };
 
 // Changes the current folder and changes it back.
@@ -57,20 +47,14 @@ class CurrentFolder {
 public:
     explicit CurrentFolder(const ZString& folder)
     {
-        wchar_t saved[MAX_PATH] = {};
-        GetCurrentDirectoryW(MAX_PATH, saved);
-        saved_ = saved;
-        changed_ = SetCurrentDirectoryW(folder.c_str()) != FALSE;
+        GetCurrentDirectoryW(MAX_PATH, saved_);
+        changed = SetCurrentDirectoryW(folder.c_str()) != FALSE;
     }
-    ~CurrentFolder() { SetCurrentDirectoryW(saved_.c_str()); }
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
-
-    bool changed() const { return changed_; }
+    ~CurrentFolder() { SetCurrentDirectoryW(saved_); }
+    bool changed = false;
 
 private:
-    std::wstring saved_;
-    bool changed_ = false;
+    wchar_t saved_[MAX_PATH] = {};
 };
 
 // A folder that exists but where nobody can create anything, not even root: under Wine
@@ -82,50 +66,39 @@ bool isFolder(const ZString& path)
     return PathIsDirectoryW(path.c_str()) != FALSE;
 }
 
+bool isEmptyFolder(const ZString& path)
+{
+    return PathIsDirectoryEmptyW(path.c_str()) != FALSE;
+}
+
 bool exists(const ZString& path)
 {
     return PathFileExistsW(path.c_str()) != FALSE;
 }
 
-std::vector<std::wstring> folderEntries(const ZString& folder)
+// Runs `action`, which must show the error box `title` with `text` and an OK button
+// (pressed by a robot), then throw TempFolderError(`thrown`).
+void expectErrorBoxAndThrow(const std::wstring& title, const std::wstring& text, const std::string& thrown,
+                            const std::function<void()>& action)
 {
-    std::vector<std::wstring> names;
-    WIN32_FIND_DATAW found = {};
-    HANDLE search = FindFirstFileW(joinPath(folder, L"*").c_str(), &found);
-    if (search == INVALID_HANDLE_VALUE)
-        return names;
-    do {
-        const std::wstring name = found.cFileName;
-        if (name != L"." && name != L"..")
-            names.push_back(name);
-    } while (FindNextFileW(search, &found));
-    FindClose(search);
-    return names;
-}
-
-struct BoxAndThrow {
     MessageBoxInfo box;
-    std::string exceptionMessage;
-    std::string robotFailure;
-};
-
-// Runs `action` with a robot that reads the error box with this title and presses OK.
-template <typename Action>
-BoxAndThrow expectErrorBox(const std::wstring& title, Action action)
-{
-    BoxAndThrow result;
     UiRobot robot([&](UiRobot& r) {
-        HWND box = r.waitForWindow(L"#32770", title);
-        result.box = readMessageBox(box);
-        pressButton(box, IDOK);
+        HWND window = r.waitForWindow(L"#32770", title);
+        box = readMessageBox(window);
+        pressButton(window, IDOK);
     });
+    std::string message = "nothing thrown";
     try {
         action();
     } catch (const TempFolderError& error) {
-        result.exceptionMessage = error.what();
+        message = error.what();
     }
-    result.robotFailure = robot.finish();
-    return result;
+    ASSERT_EQ(robot.finish(), "");
+    EXPECT_EQ(box.title, title);
+    EXPECT_EQ(box.text, text);
+    EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONERROR));
+    EXPECT_EQ(box.buttons, std::vector<int>{IDOK});
+    EXPECT_EQ(message, thrown);
 }
 
 const std::wstring kMissingText =
@@ -140,32 +113,12 @@ const std::wstring kNotWriteableText =
 
 TEST(JoinPath, PutsOneBackslashBetween)
 {
-    struct Case {
-        const wchar_t* folder;
-        const wchar_t* name;
-        const wchar_t* joined;
-    };
-    const Case cases[] = {
-        {L"C:\\temp", L"Pryxa", L"C:\\temp\\Pryxa"},
-        {L"C:\\temp\\", L"Pryxa", L"C:\\temp\\Pryxa"},
-        {L"C:\\temp", L"\\Pryxa", L"C:\\temp\\Pryxa"},
-        {L"C:\\temp\\\\", L"\\\\a.png", L"C:\\temp\\a.png"},
-        {L"C:\\", L"a.png", L"C:\\a.png"},
-        {L".", L"Pryxa", L".\\Pryxa"},
-        {L"", L"a.png", L"a.png"},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(joinPath(c.folder, c.name), ZString(c.joined)) << c.folder << " + " << c.name;
+    EXPECT_EQ(joinPath(L"C:\\temp\\\\", L"\\\\a.png"), ZString(L"C:\\temp\\a.png"));
+    EXPECT_EQ(joinPath(L".", L"Pryxa"), ZString(L".\\Pryxa"));
+    EXPECT_EQ(joinPath(L"", L"a.png"), ZString(L"a.png"));
 }
 
-TEST(SystemTempFolder, IsTheTempPathWithoutTrailingBackslash)
-{
-    ScratchEnvironment scratch;
-    ASSERT_FALSE(scratch.tempFolder().endsWith(L"\\"));
-    EXPECT_EQ(systemTempFolder(), scratch.tempFolder());
-}
-
-TEST(SystemTempFolder, TakesTheFirstCandidateThatExists)
+TEST(SystemTempFolder, TakesTheFirstCandidateThatExistsElseTheCurrentFolder)
 {
     ScratchEnvironment scratch;
     const ZString first = scratch.folder() + L"\\first";
@@ -173,203 +126,129 @@ TEST(SystemTempFolder, TakesTheFirstCandidateThatExists)
     const ZString missing = scratch.folder() + L"\\missing";
     ASSERT_TRUE(createFolderTree(first));
     ASSERT_TRUE(createFolderTree(second));
-    struct Case {
-        ZString tmp, temp, tmpdir, expected;
-    };
-    // GetTempPathW follows TMP without checking that it exists, so a missing TMP makes
-    // the system's answer useless and the variables are tried one by one.
-    const Case cases[] = {
+    // GetTempPathW follows TMP (adding a backslash) without checking that it exists, so
+    // a missing TMP makes the system's answer useless and the variables are tried one by
+    // one; a TMP longer than MAX_PATH makes GetTempPathW fail outright.
+    const ZString tooLong = missing + L"\\" + ZString(300, L'x');
+    const ZString cases[][4] = {
         {first, second, second, first},
         {missing, first, second, first},
-        {missing, missing, second, second},
-        {missing, missing, second + L"\\", second},
-        {missing, missing, second + L"\\sub\\..", second},
+        {missing, missing, second + L"\\sub\\..\\", second},
         {missing, missing, L"\"" + second + L"\"", second},
+        {missing, missing, ZString(), L"."},
+        {tooLong, missing, ZString(), L"."},
     };
-    for (const Case& c : cases) {
-        TempVariables variables(c.tmp, c.temp, c.tmpdir);
-        EXPECT_EQ(systemTempFolder(), c.expected) << c.tmp.toUtf8() << " " << c.temp.toUtf8() << " " << c.tmpdir.toUtf8();
+    for (const auto& c : cases) {
+        TempVariables variables(c[0], c[1], c[2]);
+        EXPECT_EQ(systemTempFolder(), c[3]) << c[0].toUtf8() << " " << c[1].toUtf8() << " " << c[2].toUtf8();
     }
 }
 
-TEST(SystemTempFolder, IsTheCurrentFolderWhenNothingExists)
-{
-    ScratchEnvironment scratch;
-    const ZString missing = scratch.folder() + L"\\missing";
-    {
-        TempVariables variables(missing, missing, ZString());
-        EXPECT_EQ(systemTempFolder(), ZString(L"."));
-    }
-    // A TMP longer than MAX_PATH makes GetTempPathW fail outright.
-    const ZString tooLong = missing + L"\\" + ZString(300, L'x');
-    TempVariables variables(tooLong, missing, ZString());
-    std::vector<wchar_t> buffer(4096);
-    ASSERT_EQ(GetTempPathW(4096, buffer.data()), 0u) << "GetTempPathW did not fail";
-    EXPECT_EQ(systemTempFolder(), ZString(L"."));
-}
-
-TEST(CreateFolderTree, CreatesMissingParentsButNotBelowAFile)
-{
-    ScratchEnvironment scratch;
-    const ZString nested = scratch.folder() + L"\\a\\b\\c";
-    EXPECT_TRUE(createFolderTree(nested));
-    EXPECT_TRUE(isFolder(nested));
-    EXPECT_TRUE(createFolderTree(nested)) << "an existing folder";
-    EXPECT_FALSE(createFolderTree(ZString()));
-    const ZString file = scratch.writeFile(L"plain", "x");
-    EXPECT_FALSE(createFolderTree(file));
-    EXPECT_FALSE(createFolderTree(file + L"\\below"));
-    EXPECT_FALSE(exists(file + L"\\below"));
-}
-
-TEST(IsWritable, CreatesAMissingFolderAndLeavesNoFileBehind)
+TEST(IsWritable, CreatesTheFolderLeavesNoFileAndGivesUpAfterAbout100Ms)
 {
     ScratchEnvironment scratch;
     const ZString folder = scratch.folder() + L"\\new\\deeper";
-    for (int i = 0; i < 3; ++i)
-        EXPECT_TRUE(isWritable(folder));
-    EXPECT_TRUE(isFolder(folder));
-    EXPECT_TRUE(folderEntries(folder).empty());
-}
+    EXPECT_TRUE(isWritable(folder)) << "missing parents are created too";
+    EXPECT_TRUE(isWritable(folder));
+    EXPECT_TRUE(isEmptyFolder(folder)) << "the write test leaves nothing behind";
 
-TEST(IsWritable, FailsAtOnceForAFolderThatCannotBeCreated)
-{
-    ScratchEnvironment scratch;
-    const ZString file = scratch.writeFile(L"plain", "x");
-    const DWORD start = GetTickCount();
-    EXPECT_FALSE(isWritable(file + L"\\below"));
-    EXPECT_LT(GetTickCount() - start, 90u) << "a missing folder needs no write tries";
-}
+    DWORD start = GetTickCount();
+    EXPECT_FALSE(isWritable(scratch.writeFile(L"plain", "x") + L"\\below"));
+    EXPECT_LT(GetTickCount() - start, 90u) << "a folder that cannot be created needs no write tries";
 
-TEST(IsWritable, GivesUpAfterTenTriesAboutTenMillisecondsApart)
-{
     ASSERT_TRUE(isFolder(kUnwritableFolder));
-    const DWORD start = GetTickCount();
+    start = GetTickCount();
     EXPECT_FALSE(isWritable(kUnwritableFolder));
     const DWORD elapsed = GetTickCount() - start;
-    EXPECT_GE(elapsed, 90u);
+    EXPECT_GE(elapsed, 90u) << "ten tries 10 ms apart";
     EXPECT_LT(elapsed, 2000u);
 }
 
-TEST(ModuleTempFolder, IsPryxaBelowTheSystemTempFolder)
+TEST(ModuleTempFolder, IsPryxaElsePryxa1WhileAFileIsInTheWayNothingCached)
 {
     ScratchEnvironment scratch;
-    const ZString expected = scratch.tempFolder() + L"\\Pryxa";
-    EXPECT_EQ(moduleTempFolder(), expected);
-    EXPECT_TRUE(isFolder(expected));
-    EXPECT_TRUE(folderEntries(expected).empty()) << "the write test leaves nothing behind";
-}
+    const ZString pryxa = scratch.tempFolder() + L"\\Pryxa";
+    EXPECT_EQ(moduleTempFolder(), pryxa);
+    EXPECT_TRUE(isEmptyFolder(pryxa)) << "created, and the write test leaves nothing behind";
 
-TEST(ModuleTempFolder, FallsBackToPryxa1WhileAFileIsInTheWayAndBackAfterwards)
-{
-    ScratchEnvironment scratch;
+    ASSERT_TRUE(RemoveDirectoryW(pryxa.c_str()));
     const ZString blocker = scratch.writeFile(L"temp\\Pryxa", "not a folder");
-    const ZString fallback = scratch.tempFolder() + L"\\Pryxa_1";
-    EXPECT_EQ(moduleTempFolder(), fallback);
-    EXPECT_TRUE(isFolder(fallback));
-    EXPECT_EQ(moduleTempFolder(), fallback);
-    // Nothing is cached: once the way is clear, "Pryxa" is used again.
+    EXPECT_EQ(moduleTempFolder(), pryxa + L"_1");
+    EXPECT_TRUE(isFolder(pryxa + L"_1"));
+    EXPECT_EQ(moduleTempFolder(), pryxa + L"_1");
     ASSERT_TRUE(DeleteFileW(blocker.c_str()));
-    EXPECT_EQ(moduleTempFolder(), scratch.tempFolder() + L"\\Pryxa");
+    EXPECT_EQ(moduleTempFolder(), pryxa) << "used again once the way is clear";
 }
 
-TEST(ModuleTempFolder, TriesAllNinetyNineFallbacksThenTheSystemTempFolder)
+TEST(ModuleTempFolder, AfterPryxa99ComesTheSystemTempFolder)
 {
+    // Each blocked name costs a full write test (about 100 ms).
     ScratchEnvironment scratch;
     scratch.writeFile(L"temp\\Pryxa", "x");
-    for (int n = 1; n <= 98; ++n)
+    for (int n = 1; n <= 99; ++n)
         scratch.writeFile(ZString::format(L"temp\\Pryxa_%d", n), "x");
-    EXPECT_EQ(moduleTempFolder(), scratch.tempFolder() + L"\\Pryxa_99");
-
-    ASSERT_TRUE(RemoveDirectoryW((scratch.tempFolder() + L"\\Pryxa_99").c_str()));
-    scratch.writeFile(L"temp\\Pryxa_99", "x");
     EXPECT_EQ(moduleTempFolder(), scratch.tempFolder());
     EXPECT_FALSE(exists(scratch.tempFolder() + L"\\Pryxa_100"));
 }
 
-TEST(ModuleTempFolder, UsesTheCurrentFolderWhenTheTempVariablesLeadBelowAFile)
-{
-    ScratchEnvironment scratch;
-    const ZString belowFile = scratch.writeFile(L"plain", "x") + L"\\temp";
-    const ZString current = scratch.folder() + L"\\current";
-    ASSERT_TRUE(createFolderTree(current));
-    TempVariables variables(belowFile, belowFile, belowFile);
-    CurrentFolder inCurrent(current);
-    ASSERT_TRUE(inCurrent.changed());
-    EXPECT_EQ(moduleTempFolder(), ZString(L".\\Pryxa"));
-    EXPECT_TRUE(isFolder(current + L"\\Pryxa"));
-}
-
-TEST(ModuleTempFolder, WithNoWritableFolderTellsTheUserAndThrows)
+TEST(ModuleTempFolder, WithoutATempFolderUsesTheCurrentOneElseTellsTheUserAndThrows)
 {
     ScratchEnvironment scratch;
     const ZString belowFile = scratch.writeFile(L"plain", "x") + L"\\temp";
     TempVariables variables(belowFile, belowFile, belowFile);
+    {
+        const ZString current = scratch.folder() + L"\\current";
+        ASSERT_TRUE(createFolderTree(current));
+        CurrentFolder inCurrent(current);
+        ASSERT_TRUE(inCurrent.changed);
+        EXPECT_EQ(moduleTempFolder(), ZString(L".\\Pryxa"));
+        EXPECT_TRUE(isFolder(current + L"\\Pryxa"));
+    }
     CurrentFolder inUnwritable(kUnwritableFolder);
-    ASSERT_TRUE(inUnwritable.changed());
-    const BoxAndThrow seen = expectErrorBox(L"Temporary files folder not writeable", [] { moduleTempFolder(); });
-    ASSERT_EQ(seen.robotFailure, "");
-    EXPECT_EQ(seen.box.text, kNotWriteableText + L".");
-    EXPECT_EQ(seen.box.icon, static_cast<UINT>(MB_ICONERROR));
-    EXPECT_EQ(seen.box.buttons, std::vector<int>{IDOK});
-    EXPECT_EQ(seen.exceptionMessage, "Temporary files folder not writeable");
+    ASSERT_TRUE(inUnwritable.changed);
+    expectErrorBoxAndThrow(L"Temporary files folder not writeable", kNotWriteableText + L".",
+                           "Temporary files folder not writeable", [] { moduleTempFolder(); });
 }
 
 TEST(ReportUnusableTempFolder, TellsWhetherTheFolderIsMissingOrNotWriteable)
 {
     ScratchEnvironment scratch;
     const ZString missing = scratch.writeFile(L"plain", "x") + L"\\temp";
-    struct Case {
-        ZString folder;
-        std::wstring title;
-        std::wstring text;
-        std::string exceptionMessage;
-    };
-    const Case cases[] = {
-        {missing, L"Could not create temporary files folder", kMissingText + missing.c_str(),
-         "Temporary files folder could not be created"},
-        {scratch.tempFolder(), L"Temporary files folder not writeable", kNotWriteableText + scratch.tempFolder().c_str(),
-         "Temporary files folder not writeable"},
-    };
-    for (const Case& c : cases) {
-        const BoxAndThrow seen = expectErrorBox(c.title, [&] { reportUnusableTempFolder(c.folder); });
-        ASSERT_EQ(seen.robotFailure, "");
-        EXPECT_EQ(seen.box.title, c.title);
-        EXPECT_EQ(seen.box.text, c.text);
-        EXPECT_EQ(seen.box.icon, static_cast<UINT>(MB_ICONERROR));
-        EXPECT_EQ(seen.box.buttons, std::vector<int>{IDOK});
-        EXPECT_EQ(seen.exceptionMessage, c.exceptionMessage);
-    }
+    expectErrorBoxAndThrow(L"Could not create temporary files folder", kMissingText + missing.c_str(),
+                           "Temporary files folder could not be created", [&] { reportUnusableTempFolder(missing); });
+    expectErrorBoxAndThrow(L"Temporary files folder not writeable", kNotWriteableText + scratch.tempFolder().c_str(),
+                           "Temporary files folder not writeable",
+                           [&] { reportUnusableTempFolder(scratch.tempFolder()); });
 }
 
 TEST(UniqueFileName, FollowsPrefixCounterTickRandomExtension)
 {
     ScratchEnvironment scratch;
-    const ZString folder = scratch.folder();
     struct Case {
+        ZString folder;
         const wchar_t* prefix;
         const wchar_t* extension;
-        const wchar_t* namePrefix;
+        std::wstring expectedStart;
     };
+    const std::wstring folder = scratch.folder().c_str();
+    const std::wstring temp = scratch.tempFolder().c_str();
     const Case cases[] = {
-        {L"screenCapture_", L".png", L"screenCapture_"},
-        {L"screenCapture-", L".pdf", L"screenCapture-_"},
-        {L"shot", L".png", L"shot_"},
-        {L"", L".png", L""},
-        {L"x_", L"", L"x_"},
+        {scratch.folder(), L"screenCapture_", L".png", folder + L"\\screenCapture_"},
+        {scratch.folder(), L"shot", L".pdf", folder + L"\\shot_"},
+        {scratch.folder(), L"", L".png", folder + L"\\"},
+        {ZString(), L"x_", L"", temp + L"\\x_"},
     };
     long long previousCounter = -1;
     for (const Case& c : cases) {
         const DWORD before = GetTickCount();
-        const ZString path = uniqueFileName(folder, c.prefix, c.extension);
+        const ZString path = uniqueFileName(c.folder, c.prefix, c.extension);
         const DWORD after = GetTickCount();
-        const std::wstring expectedStart = std::wstring(folder.c_str()) + L"\\" + c.namePrefix;
         const std::wstring text = path.c_str();
-        ASSERT_EQ(text.substr(0, expectedStart.size()), expectedStart) << path.toUtf8();
+        ASSERT_EQ(text.substr(0, c.expectedStart.size()), c.expectedStart) << path.toUtf8();
         std::wsmatch parts;
-        const std::wstring rest = text.substr(expectedStart.size());
-        const std::wregex pattern(L"(\\d+)_(\\d+)_(\\d+)" + std::regex_replace(std::wstring(c.extension), std::wregex(L"\\."), L"\\."));
-        ASSERT_TRUE(std::regex_match(rest, parts, pattern)) << path.toUtf8();
+        const std::wstring rest = text.substr(c.expectedStart.size());
+        ASSERT_TRUE(std::regex_match(rest, parts, std::wregex(L"(\\d+)_(\\d+)_\\d+(\\D.*)?"))) << path.toUtf8();
+        EXPECT_EQ(parts[3].str(), c.extension) << path.toUtf8();
         const long long counter = std::stoll(parts[1].str());
         if (previousCounter >= 0) {
             EXPECT_EQ(counter, previousCounter + 1) << "one counter step a name";
@@ -380,13 +259,4 @@ TEST(UniqueFileName, FollowsPrefixCounterTickRandomExtension)
         EXPECT_LE(tick, after);
         EXPECT_FALSE(exists(path)) << "named, not created";
     }
-}
-
-TEST(UniqueFileName, UsesTheSystemTempFolderForAnEmptyFolder)
-{
-    ScratchEnvironment scratch;
-    const ZString path = uniqueFileName(ZString(), L"screenCapture_", L".png");
-    EXPECT_TRUE(path.startsWith(scratch.tempFolder() + L"\\screenCapture_")) << path.toUtf8();
-    EXPECT_NE(path, uniqueFileName(ZString(), L"screenCapture_", L".png"));
-    EXPECT_TRUE(folderEntries(scratch.tempFolder()).empty());
 }
