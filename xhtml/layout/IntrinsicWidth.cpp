@@ -119,29 +119,17 @@ void intrinsicWidths(View& view, LayoutEnv& env, int& minWidth, int& maxWidth)
 
 int maxContentWidth(View& view, LayoutEnv& env)
 {
-    if (!view.isDisplayed())
-        return 0;
     int minWidth = 0;
     int maxWidth = 0;
-    if (view.isBlockLevel() || view.isAtom()) {
-        blockWidths(view, env, minWidth, maxWidth);
-        return maxWidth;
-    }
-    inlineRunWidths({&view}, env, minWidth, maxWidth);
+    intrinsicWidths(view, env, minWidth, maxWidth);
     return maxWidth;
 }
 
 int minContentWidth(View& view, LayoutEnv& env)
 {
-    if (!view.isDisplayed())
-        return 0;
     int minWidth = 0;
     int maxWidth = 0;
-    if (view.isBlockLevel() || view.isAtom()) {
-        blockWidths(view, env, minWidth, maxWidth);
-        return minWidth;
-    }
-    inlineRunWidths({&view}, env, minWidth, maxWidth);
+    intrinsicWidths(view, env, minWidth, maxWidth);
     return minWidth;
 }
 
