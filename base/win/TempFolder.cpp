@@ -1,5 +1,7 @@
 #include "base/win/TempFolder.h"
 
+#include "base/win/KernelHandle.h"
+
 #include <windows.h>
 #include <shlwapi.h>
 
@@ -20,24 +22,6 @@ const DWORD kTempPathBufferSize = 4096;
 // keep names apart across threads and processes.
 uint32_t uniqueNameCounter = 0;
 uint32_t writeTestCounter = 0;
-
-// A file handle from CreateFileW, closed when the object goes.
-class FileHandle {
-public:
-    explicit FileHandle(HANDLE handle) : handle_(handle) {}
-    ~FileHandle()
-    {
-        if (isValid())
-            CloseHandle(handle_);
-    }
-    FileHandle(const FileHandle&) = delete;
-    FileHandle& operator=(const FileHandle&) = delete;
-
-    bool isValid() const { return handle_ != nullptr && handle_ != INVALID_HANDLE_VALUE; }
-
-private:
-    HANDLE handle_;
-};
 
 unsigned randomValue()
 {
@@ -104,9 +88,9 @@ ZString parentFolder(const ZString& path)
 bool createAndDelete(const ZString& path)
 {
     {
-        FileHandle file(CreateFileW(path.c_str(), GENERIC_ALL, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY,
-                                    nullptr));
-        if (!file.isValid())
+        const KernelHandle file(CreateFileW(path.c_str(), GENERIC_ALL, 0, nullptr, CREATE_NEW,
+                                            FILE_ATTRIBUTE_TEMPORARY, nullptr));
+        if (!file)
             return false;
     }
     DeleteFileW(path.c_str());

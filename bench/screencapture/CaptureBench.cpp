@@ -2,6 +2,7 @@
 // a plain BitBlt of the screen into a DIB section of the same size. Medians of many runs in
 // one process. Run under Wine at the screen size to measure (see run-capture-bench).
 
+#include "base/win/DibHeader.h"
 #include "base/win/GdiHandles.h"
 #include "base/win/TempFolder.h"
 #include "companions/notifyicon/NotifyIcon.h"
@@ -34,12 +35,7 @@ double medianMs(const std::function<void()>& work)
 
 void bitBltFloor(int width, int height)
 {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 24;
+    BITMAPINFO info = topDownDibHeader(width, height, 24);
     void* bits = nullptr;
     WindowDC screen;
     BitmapHandle dib(CreateDIBSection(screen.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));

@@ -3,6 +3,7 @@
 
 #include "image/Bitmap.h"
 
+#include "base/win/DibHeader.h"
 #include "base/win/GdiHandles.h"
 #include "tests/support/ResourceCounters.h"
 #include "tests/support/TestPixels.h"
@@ -38,12 +39,7 @@ HBITMAP makeBitmap(int width, int height, const PixelPattern& pattern)
 {
     WindowDC screen;
     HBITMAP bitmap = CreateCompatibleBitmap(screen.get(), width, height);
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
+    BITMAPINFO info = topDownDibHeader(width, height, 32);
     SetDIBits(screen.get(), bitmap, 0, height, pixelsOf(width, height, pattern).data(), &info, DIB_RGB_COLORS);
     return bitmap;
 }

@@ -1,23 +1,12 @@
 #include "tests/support/TestPixels.h"
 
+#include "base/win/DibHeader.h"
 #include "base/win/GdiHandles.h"
 #include "tests/support/UiRobot.h"
 
 namespace {
 
 const wchar_t* const kTestWindowClass = L"PryxaTestWindow";
-
-BITMAPINFO topDown32(int width, int height)
-{
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = width;
-    info.bmiHeader.biHeight = -height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
-    return info;
-}
 
 void registerTestWindowClass(WNDPROC proc)
 {
@@ -40,7 +29,7 @@ PixelGrid readBitmapPixels(HBITMAP bitmap)
     grid.width = header.bmWidth;
     grid.height = header.bmHeight;
     grid.pixels.resize(static_cast<size_t>(grid.width) * grid.height);
-    BITMAPINFO info = topDown32(grid.width, grid.height);
+    BITMAPINFO info = topDownDibHeader(grid.width, grid.height, 32);
     WindowDC screen;
     if (GetDIBits(screen.get(), bitmap, 0, grid.height, grid.pixels.data(), &info, DIB_RGB_COLORS) != grid.height)
         return PixelGrid();
@@ -106,7 +95,7 @@ void TestWindow::paint(HDC dc)
         for (int x = 0; x < width_; ++x)
             pixels[static_cast<size_t>(y) * width_ + x] = pattern_(x, y);
     }
-    BITMAPINFO info = topDown32(width_, height_);
+    BITMAPINFO info = topDownDibHeader(width_, height_, 32);
     SetDIBitsToDevice(dc, 0, 0, width_, height_, 0, 0, 0, height_, pixels.data(), &info, DIB_RGB_COLORS);
 }
 
