@@ -5,9 +5,7 @@ namespace xhtml {
 HtmlTagNode::~HtmlTagNode()
 {
     // Every element is emptied into the work list before it is deleted, so no destructor
-    // ever has children left to recurse into. Nodes go in document order, the order in
-    // which the parser allocated them; the allocator merges freed blocks far more cheaply
-    // that way than in reverse.
+    // ever has children left to recurse into. Nodes go in document order.
     std::vector<std::unique_ptr<HtmlNode>> pending;
     takeChildrenReversed(pending);
     while (!pending.empty()) {

@@ -3,6 +3,7 @@
 // (HtmlTextNode). An element owns its children; every node knows its enclosing element.
 
 #include "base/ZString.h"
+#include "xhtml/NodeMemory.h"
 
 #include <cstdint>
 #include <memory>
@@ -18,6 +19,9 @@ public:
     enum class Kind : int32_t { tag = 1, text = 2 };
 
     virtual ~HtmlNode() = default;
+    // Nodes live in NodeMemory, which a parse carves from shared chunks.
+    static void* operator new(size_t size) { return NodeMemory::allocate(size); }
+    static void operator delete(void* block, size_t size) noexcept { NodeMemory::release(block, size); }
     HtmlNode(const HtmlNode&) = delete;
     HtmlNode& operator=(const HtmlNode&) = delete;
 
@@ -43,6 +47,9 @@ struct HtmlAttribute {
 
 class HtmlTagNode : public HtmlNode {
 public:
+    using NodeList = std::vector<std::unique_ptr<HtmlNode>, NodeAllocator<std::unique_ptr<HtmlNode>>>;
+    using AttributeList = std::vector<HtmlAttribute, NodeAllocator<HtmlAttribute>>;
+
     // The root of a document has an empty name.
     explicit HtmlTagNode(ZString name = ZString()) : HtmlNode(Kind::tag), name_(std::move(name)) {}
     // Deletes the whole subtree without recursion, so a deeply nested tree cannot overflow
@@ -53,12 +60,12 @@ public:
     const ZString& name() const { return name_; }
 
     // In document order. Appending invalidates iterators into the sequence.
-    const std::vector<std::unique_ptr<HtmlNode>>& children() const { return children_; }
+    const NodeList& children() const { return children_; }
     // Takes the child, makes this its parent and returns it.
     HtmlNode* appendChild(std::unique_ptr<HtmlNode> child);
 
     // In the order written, duplicates included.
-    const std::vector<HtmlAttribute>& attributes() const { return attributes_; }
+    const AttributeList& attributes() const { return attributes_; }
     void addAttribute(ZString name, ZString value);
     // The value of the first attribute with this (lower-case) name, or null.
     const ZString* attribute(const ZString& name) const;
@@ -66,9 +73,9 @@ public:
 private:
     void takeChildrenReversed(std::vector<std::unique_ptr<HtmlNode>>& into);
 
-    std::vector<std::unique_ptr<HtmlNode>> children_;
+    NodeList children_;
     ZString name_;
-    std::vector<HtmlAttribute> attributes_;
+    AttributeList attributes_;
 };
 
 class HtmlTextNode : public HtmlNode {

@@ -161,6 +161,9 @@ public:
 
     const ZChar* run(HtmlTagNode* parent)
     {
+        // The nodes of one parse are carved from shared chunks: far cheaper than a heap
+        // block each, and a parse makes one or two blocks per node.
+        NodeMemory::Scope nodeMemory;
         open_.push_back(parent);
         while (!open_.empty()) {
             HtmlTagNode& current = *open_.back();
