@@ -37,7 +37,9 @@ void HtmlTagNode::addAttribute(ZString name, ZString value)
 {
     if (attributes_.empty())
         attributes_.reserve(2);
-    attributes_.push_back(HtmlAttribute{std::move(name), std::move(value)});
+    HtmlAttribute& added = attributes_.emplace_back();
+    added.name = std::move(name);
+    added.value = std::move(value);
 }
 
 const ZString* HtmlTagNode::attribute(const ZString& name) const

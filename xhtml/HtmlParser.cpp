@@ -68,11 +68,22 @@ const ZChar* skipComment(const ZChar* p)
     return p;
 }
 
+ZChar lowerUnit(ZChar unit)
+{
+    return unit < 0x80 ? asciiLower(unit) : ZString::toLower(unit);
+}
+
+// Names are nearly always written in lower case already; those are copied as they stand.
 ZString lowerCopy(const ZChar* begin, const ZChar* end)
 {
+    const ZChar* upper = begin;
+    while (upper != end && lowerUnit(*upper) == *upper)
+        ++upper;
+    if (upper == end)
+        return ZString(begin, static_cast<int>(end - begin));
     ZString::Storage units(begin, end);
     for (ZChar& unit : units)
-        unit = unit < 0x80 ? asciiLower(unit) : ZString::toLower(unit);
+        unit = lowerUnit(unit);
     return ZString(std::move(units));
 }
 
@@ -129,19 +140,10 @@ void readAttributes(const ZChar*& p, HtmlTagNode& node)
     }
 }
 
-// end-tag := "</" { any but white space and ">" } { any } ">"
-ZString readEndTag(const ZChar*& p)
+// Whether the units [begin, end), lower-cased, are `lowerName`.
+bool isNameNoCase(const ZChar* begin, const ZChar* end, const ZString& lowerName)
 {
-    p += 2;
-    const ZChar* start = p;
-    while (*p && !isSpace(*p) && *p != '>')
-        ++p;
-    ZString name = lowerCopy(start, p);
-    while (*p && *p != '>')
-        ++p;
-    if (*p)
-        ++p;
-    return name;
+    return end - begin == lowerName.length() && hasPrefixNoCase(begin, lowerName);
 }
 
 // text := any { any but "<" followed by "/", "!" or a letter }
@@ -196,7 +198,8 @@ private:
     void readStartTag(HtmlTagNode& current)
     {
         ++p_;
-        auto node = std::make_unique<HtmlTagNode>(readTagName(p_));
+        // `new` rather than make_unique: the name is built in place, not moved twice more.
+        std::unique_ptr<HtmlTagNode> node(new HtmlTagNode(readTagName(p_)));
         readAttributes(p_, *node);
         HtmlTagNode* element = static_cast<HtmlTagNode*>(current.appendChild(std::move(node)));
         if (*p_ == '>') {
@@ -213,18 +216,26 @@ private:
 
     // An end tag closes the current element only; any other end tag is dropped, so it
     // never closes an outer element. The root's empty name is never closed by "</>".
+    //
+    // end-tag := "</" { any but white space and ">" } { any } ">"
     void readEndTagOf(HtmlTagNode& current)
     {
-        const ZString name = readEndTag(p_);
-        if (!name.isEmpty() && name == current.name())
+        p_ += 2;
+        const ZChar* nameStart = p_;
+        while (*p_ && !isSpace(*p_) && *p_ != '>')
+            ++p_;
+        const bool closes = p_ != nameStart && isNameNoCase(nameStart, p_, current.name());
+        while (*p_ && *p_ != '>')
+            ++p_;
+        if (*p_)
+            ++p_;
+        if (closes)
             open_.pop_back();
     }
 
     void readText(HtmlTagNode& current)
     {
-        const ZChar* end = findTextEnd(p_);
-        current.appendChild(std::make_unique<HtmlTextNode>(ZString(p_, static_cast<int>(end - p_))));
-        p_ = end;
+        appendText(current, findTextEnd(p_));
     }
 
     // The whole content up to the element's end tag is one text node; the end tag itself is
@@ -233,8 +244,14 @@ private:
     {
         if (!*p_)
             return;
-        const ZChar* end = findRawContentEnd(p_, current.name());
-        current.appendChild(std::make_unique<HtmlTextNode>(ZString(p_, static_cast<int>(end - p_))));
+        appendText(current, findRawContentEnd(p_, current.name()));
+    }
+
+    // The text from here to `end` becomes a child of `current`.
+    void appendText(HtmlTagNode& current, const ZChar* end)
+    {
+        // `new` rather than make_unique: the text is built in place, not moved twice more.
+        current.appendChild(std::unique_ptr<HtmlNode>(new HtmlTextNode(ZString(p_, static_cast<int>(end - p_)))));
         p_ = end;
     }
 
