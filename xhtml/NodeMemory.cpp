@@ -31,8 +31,6 @@ struct NodeChunk {
 
 namespace {
 
-using Chunk = NodeChunk;
-
 constexpr size_t chunkSize = 32 * 1024;
 // Longer blocks (the child list of an element with hundreds of children) are heap blocks of
 // their own, so that one of them does not waste the rest of a chunk.
@@ -42,30 +40,30 @@ constexpr size_t scopeHold = std::numeric_limits<size_t>::max() / 2;
 
 thread_local NodeMemory::Scope* activeScope = nullptr;
 
-static_assert(sizeof(Chunk) % NodeMemory::alignment == 0, "blocks after the header stay aligned");
+static_assert(sizeof(NodeChunk) % NodeMemory::alignment == 0, "blocks after the header stay aligned");
 
 // Each block is preceded by the address of its chunk, which its release reads.
-constexpr size_t prefixSize = sizeof(Chunk*);
+constexpr size_t prefixSize = sizeof(NodeChunk*);
 
 size_t spanOf(size_t size)
 {
     return prefixSize + (size + NodeMemory::alignment - 1) / NodeMemory::alignment * NodeMemory::alignment;
 }
 
-void* placeBlock(Chunk* chunk, char* at)
+void* placeBlock(NodeChunk* chunk, char* at)
 {
-    *reinterpret_cast<Chunk**>(at) = chunk;
+    *reinterpret_cast<NodeChunk**>(at) = chunk;
     return at + prefixSize;
 }
 
-Chunk* newChunk(size_t bytes, size_t live)
+NodeChunk* newChunk(size_t bytes, size_t live)
 {
-    return new (::operator new(bytes)) Chunk{{live}};
+    return new (::operator new(bytes)) NodeChunk{{live}};
 }
 
-void deleteChunk(Chunk* chunk) noexcept
+void deleteChunk(NodeChunk* chunk) noexcept
 {
-    chunk->~Chunk();
+    chunk->~NodeChunk();
     ::operator delete(chunk);
 }
 
@@ -73,12 +71,12 @@ void deleteChunk(Chunk* chunk) noexcept
 
 void* NodeMemory::allocate(size_t size)
 {
-    if (size > std::numeric_limits<size_t>::max() - sizeof(Chunk) - prefixSize - alignment)
+    if (size > std::numeric_limits<size_t>::max() - sizeof(NodeChunk) - prefixSize - alignment)
         throw std::bad_array_new_length();
     const size_t span = spanOf(size);
     if (activeScope && span <= largestCarved)
         return activeScope->carve(span);
-    Chunk* chunk = newChunk(sizeof(Chunk) + span, 1);
+    NodeChunk* chunk = newChunk(sizeof(NodeChunk) + span, 1);
     return placeBlock(chunk, reinterpret_cast<char*>(chunk + 1));
 }
 
@@ -86,7 +84,7 @@ void NodeMemory::release(void* block, size_t size) noexcept
 {
     if (!block)
         return;
-    Chunk* chunk = *reinterpret_cast<Chunk**>(static_cast<char*>(block) - prefixSize);
+    NodeChunk* chunk = *reinterpret_cast<NodeChunk**>(static_cast<char*>(block) - prefixSize);
     XHTML_POISON(block, size);
     if (chunk->live.fetch_sub(1, std::memory_order_acq_rel) == 1)
         deleteChunk(chunk);
