@@ -24,10 +24,12 @@ TEST(CaptureVocabulary, NamesMatchExactlyAndMapBothWays)
         const std::string name = ZString(row.name).toUtf8();
         EXPECT_EQ(modeNamed(row.name), row.mode) << name;
         EXPECT_EQ(targetNamed(row.name), row.target) << name;
-        if (row.mode)
+        if (row.mode) {
             EXPECT_EQ(ZString(nameOf(static_cast<Mode>(row.mode))), ZString(row.name));
-        if (row.target)
+        }
+        if (row.target) {
             EXPECT_EQ(ZString(nameOf(static_cast<Target>(row.target))), ZString(row.name));
+        }
     }
     for (int value : {0, -1, 7, 1000}) {
         EXPECT_EQ(nameOf(static_cast<Mode>(value)), nullptr) << value;
