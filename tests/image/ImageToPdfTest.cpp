@@ -5,13 +5,11 @@
 #include "image/ImageToPdf.h"
 #include "tests/support/ScratchEnvironment.h"
 #include "zpdf/Array.h"
+#include "zpdf/BufferWriter.h"
 #include "zpdf/Names.h"
-#include "zpdf/Number.h"
-#include "zpdf/Stream.h"
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -29,14 +27,19 @@ protected:
     }
     void TearDown() override { Gdiplus::GdiplusShutdown(token_); }
 
-    // Records the qualities asked for; each result is `bytesPerStep` bytes per quality point.
-    ImageToPdf::JpegEncoder recordingEncoder(size_t bytesPerStep)
+    // Through the seams: the encoder records the qualities asked for and makes
+    // `bytesPerStep` bytes a quality point; the orientation is `orientation`.
+    bool convert(Gdiplus::Image& image, const ZString& path, zpdf::Document& document,
+                 const ConversionOptions& options = {}, size_t bytesPerStep = 1, int orientation = 0)
     {
-        return [this, bytesPerStep](Gdiplus::Image&, long quality, std::vector<uint8_t>& bytes) {
+        ImageToPdf converter;
+        converter.setOrientationReader([orientation](Gdiplus::Image&) { return orientation; });
+        converter.setJpegEncoder([this, bytesPerStep](Gdiplus::Image&, long quality, std::vector<uint8_t>& bytes) {
             qualities.push_back(quality);
             bytes.assign(static_cast<size_t>(quality) * bytesPerStep, 0xD8);
             return true;
-        };
+        });
+        return converter.convert(options, image, path.c_str(), document);
     }
 
     ScratchEnvironment env;
@@ -49,38 +52,21 @@ private:
 std::unique_ptr<Gdiplus::Bitmap> rgbBitmap(int width, int height)
 {
     auto bitmap = std::make_unique<Gdiplus::Bitmap>(width, height, PixelFormat24bppRGB);
-    for (int y = 0; y < height; ++y) {
+    for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
             bitmap->SetPixel(x, y, Gdiplus::Color(255, static_cast<BYTE>(x * 3), static_cast<BYTE>(y * 5), 90));
-    }
     return bitmap;
 }
 
-// An indexed bitmap whose pixel (x, y) is index (x + y) % entries.
-std::unique_ptr<Gdiplus::Bitmap> indexedBitmap(int width, int height, Gdiplus::PixelFormat format, int bits,
-                                               const std::vector<Gdiplus::ARGB>& entries)
+// An object as written, with CR LF as spaces.
+std::string text(const zpdf::Object* object)
 {
-    auto bitmap = std::make_unique<Gdiplus::Bitmap>(width, height, format);
-    std::vector<uint8_t> buffer(sizeof(Gdiplus::ColorPalette) + entries.size() * sizeof(Gdiplus::ARGB));
-    auto* palette = reinterpret_cast<Gdiplus::ColorPalette*>(buffer.data());
-    palette->Flags = 0;
-    palette->Count = static_cast<UINT>(entries.size());
-    std::memcpy(palette->Entries, entries.data(), entries.size() * sizeof(Gdiplus::ARGB));
-    bitmap->SetPalette(palette);
-    Gdiplus::Rect all(0, 0, width, height);
-    Gdiplus::BitmapData data = {};
-    bitmap->LockBits(&all, Gdiplus::ImageLockModeWrite, format, &data);
-    for (int y = 0; y < height; ++y) {
-        auto* row = static_cast<uint8_t*>(data.Scan0) + static_cast<ptrdiff_t>(y) * data.Stride;
-        std::memset(row, 0, static_cast<size_t>(data.Stride));
-        for (int x = 0; x < width; ++x) {
-            const int index = (x + y) % static_cast<int>(entries.size());
-            const int bit = x * bits;
-            row[bit / 8] |= static_cast<uint8_t>(index << (8 - bits - bit % 8));
-        }
-    }
-    bitmap->UnlockBits(&data);
-    return bitmap;
+    zpdf::BufferWriter out;
+    out.write(*object);
+    std::string written = out.take();
+    for (size_t at; (at = written.find("\r\n")) != std::string::npos;)
+        written.replace(at, 2, " ");
+    return written;
 }
 
 zpdf::Dict* firstPage(zpdf::Document& document)
@@ -94,108 +80,70 @@ zpdf::Stream* imageOf(zpdf::Document& document)
     return resources->get(zpdf::names::XObject())->asDict()->get("img0")->asStream();
 }
 
-std::vector<double> mediaBox(zpdf::Document& document)
-{
-    std::vector<double> box;
-    for (const auto& n : firstPage(document)->get(zpdf::names::MediaBox())->asArray()->elements())
-        box.push_back(n->asNumber()->value());
-    return box;
-}
-
-std::string nameAt(zpdf::Dict& dict, const zpdf::Ptr<zpdf::Name>& key)
-{
-    zpdf::Object* value = dict.get(key);
-    return value && value->asName() ? value->asName()->bytes() : std::string("(none)");
-}
-
 std::string readFile(const ZString& path)
 {
     std::ifstream in(std::filesystem::path(path.c_str()), std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-// A JPEG file of the bitmap, made by GDI+.
-ZString jpegFile(const ScratchEnvironment& env, Gdiplus::Bitmap& bitmap)
+// A JPEG file of a 64 x 32 picture, made by GDI+.
+ZString jpegFile(const ScratchEnvironment& env)
 {
     CLSID jpeg = {};
     EXPECT_GE(findEncoder(L"image/jpeg", &jpeg), 0);
     const ZString path = env.folder() + L"\\picture.jpg";
-    EXPECT_EQ(bitmap.Save(path.c_str(), &jpeg, nullptr), Gdiplus::Ok);
+    EXPECT_EQ(rgbBitmap(64, 32)->Save(path.c_str(), &jpeg, nullptr), Gdiplus::Ok);
     return path;
 }
 
 TEST_F(ImageToPdfTest, CapturedBitmapIsReencodedOnceAtTheGivenQuality)
 {
     auto bitmap = rgbBitmap(2000, 1000);
-    ImageToPdf converter;
-    converter.setJpegEncoder(recordingEncoder(1));
     ConversionOptions options;
     options.dpi = 96;
     options.jpegQuality = 77;
     zpdf::Document document;
-    ASSERT_TRUE(converter.convert(options, *bitmap, L"", document));
+    ASSERT_TRUE(convert(*bitmap, L"", document, options));
     EXPECT_EQ(qualities, std::vector<long>{77});
-
-    EXPECT_EQ(mediaBox(document), (std::vector<double>{0, 0, 842, 421}));
+    EXPECT_EQ(text(firstPage(document)), "<< /Contents 4 0 R /MediaBox [0 0 842 421] /Parent 3 0 R /Resources << "
+                                         "/ProcSet [/PDF /ImageC] /XObject << /img0 1 0 R >> >> /Type /Page >>");
     zpdf::Stream* image = imageOf(document);
-    ASSERT_NE(image, nullptr);
-    EXPECT_EQ(nameAt(*image->dict(), zpdf::names::Subtype()), "Image");
-    EXPECT_EQ(nameAt(*image->dict(), zpdf::names::Filter()), "DCTDecode");
-    EXPECT_EQ(nameAt(*image->dict(), zpdf::names::ColorSpace()), "DeviceRGB");
-    EXPECT_EQ(image->dict()->get(zpdf::names::Width())->asNumber()->value(), 2000);
-    EXPECT_EQ(image->dict()->get(zpdf::names::Height())->asNumber()->value(), 1000);
-    EXPECT_EQ(image->dict()->get(zpdf::names::BitsPerComponent())->asNumber()->value(), 8);
-    EXPECT_EQ(image->dict()->get(zpdf::names::Type()), nullptr) << "an image gets no Type entry";
+    EXPECT_EQ(text(image->dict()), "<< /BitsPerComponent 8 /ColorSpace /DeviceRGB /Filter /DCTDecode /Height 1000 "
+                                   "/Subtype /Image /Width 2000 >>");
     EXPECT_EQ(image->data()->size(), 77u);
-
-    zpdf::Stream* contents = firstPage(document)->get(zpdf::names::Contents())->asStream();
-    ASSERT_NE(contents, nullptr);
-    EXPECT_EQ(contents->decode(), "q\r\n842.000000 0 0 421.000000 0.000000 0.000000 cm\r\n/img0 Do\r\nQ\r\n");
-    zpdf::Array* procSet = firstPage(document)->get(zpdf::names::Resources())->asDict()->get(zpdf::names::ProcSet())->asArray();
-    ASSERT_EQ(procSet->size(), 2);
-    EXPECT_EQ(procSet->elements()[0]->asName()->bytes(), "PDF");
-    EXPECT_EQ(procSet->elements()[1]->asName()->bytes(), "ImageC");
+    EXPECT_EQ(firstPage(document)->get(zpdf::names::Contents())->asStream()->decode(),
+              "q\r\n842.000000 0 0 421.000000 0.000000 0.000000 cm\r\n/img0 Do\r\nQ\r\n");
 }
 
 TEST_F(ImageToPdfTest, JpegWithAnUprightOrientationIsEmbeddedByteForByte)
 {
-    auto bitmap = rgbBitmap(64, 32);
-    const ZString path = jpegFile(env, *bitmap);
-    const std::string bytes = readFile(path);
+    const ZString path = jpegFile(env);
+    ConversionOptions options;
+    options.optForA4 = false;
+    options.dpi = 72;
     for (int orientation : {1, 6}) {
         Gdiplus::Bitmap fromFile(path.c_str());
-        ImageToPdf converter;
-        converter.setOrientationReader([orientation](Gdiplus::Image&) { return orientation; });
-        converter.setJpegEncoder(recordingEncoder(1));
-        ConversionOptions options;
-        options.optForA4 = false;
-        options.dpi = 72;
         zpdf::Document document;
-        ASSERT_TRUE(converter.convert(options, fromFile, path.c_str(), document));
+        ASSERT_TRUE(convert(fromFile, path, document, options, 1, orientation));
         EXPECT_TRUE(qualities.empty()) << orientation;
-        EXPECT_EQ(imageOf(document)->data()->bytes(), bytes) << orientation;
+        EXPECT_EQ(imageOf(document)->data()->bytes(), readFile(path)) << orientation;
         // Rotated a quarter turn, the page takes the turned size.
-        const double width = orientation == 6 ? 32 : 64;
-        EXPECT_EQ(mediaBox(document), (std::vector<double>{0, 0, width, 96 - width})) << orientation;
+        EXPECT_EQ(text(firstPage(document)->get(zpdf::names::MediaBox())), orientation == 6 ? "[0 0 32 64]" : "[0 0 64 32]");
     }
 }
 
 TEST_F(ImageToPdfTest, MirroredOrWithoutPassThroughAJpegIsReencodedStepByStep)
 {
-    auto bitmap = rgbBitmap(64, 32);
-    const ZString path = jpegFile(env, *bitmap);
+    const ZString path = jpegFile(env);
     const size_t fileSize = readFile(path).size();
     for (bool mirrored : {true, false}) {
         qualities.clear();
         Gdiplus::Bitmap fromFile(path.c_str());
-        ImageToPdf converter;
-        converter.setOrientationReader([mirrored](Gdiplus::Image&) { return mirrored ? 5 : 0; });
-        // 100 bytes a quality point never fits a file this small: every step is tried.
-        converter.setJpegEncoder(recordingEncoder(fileSize));
         ConversionOptions options;
         options.passThroughJpg = mirrored;
         zpdf::Document document;
-        ASSERT_TRUE(converter.convert(options, fromFile, path.c_str(), document));
+        // 100 bytes a quality point never fits a file this small: every step is tried.
+        ASSERT_TRUE(convert(fromFile, path, document, options, fileSize, mirrored ? 5 : 0));
         ASSERT_FALSE(qualities.empty());
         EXPECT_EQ(qualities.front(), 100);
         EXPECT_EQ(qualities.back(), 30) << "never below 30";
@@ -209,33 +157,36 @@ TEST_F(ImageToPdfTest, IndexedImagesArePackedRowByRowWithTheirPalette)
     // PNGs as 32-bit colour, so that depth is covered by the packing and palette tests.)
     CLSID png = {};
     ASSERT_GE(findEncoder(L"image/png", &png), 0);
-    const std::vector<Gdiplus::ARGB> twoColours = {0xFF000000, 0xFFFF8000};
+    struct {
+        UINT flags, count;
+        Gdiplus::ARGB entries[2];
+    } palette = {0, 2, {0xFF000000, 0xFFFF8000}};
+    // 9 x 3 pixels holding index (x + y) % 2: rows of alternating bytes.
     const struct {
         Gdiplus::PixelFormat format;
         int bits;
         size_t rowBytes;
-    } cases[] = {{PixelFormat1bppIndexed, 1, 2}, {PixelFormat4bppIndexed, 4, 5}};
+        uint8_t evenRow, oddRow;
+    } cases[] = {{PixelFormat1bppIndexed, 1, 2, 0x55, 0xAA}, {PixelFormat4bppIndexed, 4, 5, 0x01, 0x10}};
     for (const auto& c : cases) {
+        std::vector<uint8_t> lines(8 * 3, c.evenRow);
+        std::fill_n(lines.begin() + 8, 8, c.oddRow);
+        Gdiplus::Bitmap drawn(9, 3, 8, c.format, lines.data());
+        drawn.SetPalette(reinterpret_cast<Gdiplus::ColorPalette*>(&palette));
         const ZString path = env.folder() + L"\\indexed.png";
-        ASSERT_EQ(indexedBitmap(9, 3, c.format, c.bits, twoColours)->Save(path.c_str(), &png, nullptr), Gdiplus::Ok);
+        ASSERT_EQ(drawn.Save(path.c_str(), &png, nullptr), Gdiplus::Ok);
         Gdiplus::Bitmap bitmap(path.c_str());
         ASSERT_EQ(bitmap.GetPixelFormat(), c.format);
-        ImageToPdf converter;
-        converter.setJpegEncoder(recordingEncoder(1));
         zpdf::Document document;
-        ASSERT_TRUE(converter.convert(ConversionOptions(), bitmap, path.c_str(), document)) << c.bits;
+        ASSERT_TRUE(convert(bitmap, path, document)) << c.bits;
         EXPECT_TRUE(qualities.empty()) << c.bits;
         zpdf::Stream* image = imageOf(document);
-        EXPECT_EQ(nameAt(*image->dict(), zpdf::names::Filter()), "FlateDecode") << c.bits;
-        EXPECT_EQ(image->dict()->get(zpdf::names::BitsPerComponent())->asNumber()->value(), c.bits);
+        EXPECT_EQ(text(image->dict()), "<< /BitsPerComponent " + std::to_string(c.bits)
+                                           + " /ColorSpace [/Indexed /DeviceRGB 1 <000000FF8000>] /Filter /FlateDecode"
+                                             " /Height 3 /Subtype /Image /Width 9 >>");
         const std::string rows = image->decode();
         ASSERT_EQ(rows.size(), c.rowBytes * 3) << c.bits;
-        // Row 1 starts with index 1 (x + y), packed from the high bits.
-        EXPECT_EQ(static_cast<uint8_t>(rows[c.rowBytes]) >> (8 - c.bits), 1) << c.bits;
-        zpdf::Array* colorSpace = image->dict()->get(zpdf::names::ColorSpace())->asArray();
-        ASSERT_NE(colorSpace, nullptr);
-        EXPECT_EQ(colorSpace->elements()[0]->asName()->bytes(), "Indexed");
-        EXPECT_EQ(colorSpace->elements()[1]->asName()->bytes(), "DeviceRGB");
+        EXPECT_EQ(rows.substr(0, 1) + rows.substr(c.rowBytes, 1), std::string({char(c.evenRow), char(c.oddRow)}));
     }
 }
 
@@ -244,9 +195,7 @@ TEST_F(ImageToPdfTest, RealJpegEncoderProducesAJpeg)
     auto bitmap = rgbBitmap(40, 30);
     zpdf::Document document;
     ASSERT_TRUE(ImageToPdf().convert(ConversionOptions(), *bitmap, L"", document));
-    const std::string& data = imageOf(document)->data()->bytes();
-    ASSERT_GT(data.size(), 4u);
-    EXPECT_EQ(data.substr(0, 2), "\xFF\xD8") << "starts like a JPEG";
+    EXPECT_EQ(imageOf(document)->data()->bytes().substr(0, 3), "\xFF\xD8\xFF") << "starts like a JPEG";
 }
 
 } // namespace
