@@ -14,33 +14,17 @@ int scaled(double pixels, double scale)
     return static_cast<int>(std::lround(pixels * scale));
 }
 
-const StyleNumber* numberOf(const StyleDef& style, StyleProperty property)
+// The property's value when it is set and of kind T, else null.
+template <typename T>
+const T* valueOf(const StyleDef& style, StyleProperty property)
 {
     const StyleValue* value = style.get(property);
-    return value ? std::get_if<StyleNumber>(value) : nullptr;
-}
-
-const StyleKeyword* keywordOf(const StyleDef& style, StyleProperty property)
-{
-    const StyleValue* value = style.get(property);
-    return value ? std::get_if<StyleKeyword>(value) : nullptr;
-}
-
-const Colour* colourOf(const StyleDef& style, StyleProperty property)
-{
-    const StyleValue* value = style.get(property);
-    return value ? std::get_if<Colour>(value) : nullptr;
-}
-
-const ZString* textOf(const StyleDef& style, StyleProperty property)
-{
-    const StyleValue* value = style.get(property);
-    return value ? std::get_if<ZString>(value) : nullptr;
+    return value ? std::get_if<T>(value) : nullptr;
 }
 
 Length lengthOf(const StyleDef& style, StyleProperty property, double scale)
 {
-    const StyleNumber* number = numberOf(style, property);
+    const auto* number = valueOf<StyleNumber>(style, property);
     if (!number)
         return Length();
     if (number->isPercent)
@@ -88,7 +72,7 @@ int resolveWeight(StyleKeyword keyword, int parentWeight)
 
 void applyFont(const StyleDef& declared, ComputedStyle& style, double scale)
 {
-    if (const ZString* family = textOf(declared, StyleProperty::fontFamily)) {
+    if (const auto* family = valueOf<ZString>(declared, StyleProperty::fontFamily)) {
         // The first family of a list, without quotes; the canvas's font mapper does the rest.
         ZString first = family->substring(0, family->find(ZChar(','))).trim();
         if (first.length() >= 2 && (first[0] == '\'' || first[0] == '"'))
@@ -98,11 +82,11 @@ void applyFont(const StyleDef& declared, ComputedStyle& style, double scale)
     }
     if (const StyleValue* size = declared.get(StyleProperty::fontSize))
         style.font.pixelSize = resolveFontSize(*size, style.font.pixelSize, scale);
-    if (const StyleKeyword* weight = keywordOf(declared, StyleProperty::fontWeight))
+    if (const auto* weight = valueOf<StyleKeyword>(declared, StyleProperty::fontWeight))
         style.font.weight = resolveWeight(*weight, style.font.weight);
     if (declared.has(StyleProperty::fontStyle))
         style.font.italic = true;
-    if (const StyleKeyword* decoration = keywordOf(declared, StyleProperty::textDecoration)) {
+    if (const auto* decoration = valueOf<StyleKeyword>(declared, StyleProperty::textDecoration)) {
         if (*decoration == StyleKeyword::none)
             style.font.underline = style.font.lineThrough = false;
         else if (*decoration == StyleKeyword::underline)
@@ -115,21 +99,21 @@ void applyFont(const StyleDef& declared, ComputedStyle& style, double scale)
 void applyInherited(const StyleDef& declared, ComputedStyle& style, double scale)
 {
     applyFont(declared, style, scale);
-    if (const Colour* colour = colourOf(declared, StyleProperty::color))
+    if (const auto* colour = valueOf<Colour>(declared, StyleProperty::color))
         style.colour = *colour;
-    if (const StyleKeyword* align = keywordOf(declared, StyleProperty::textAlign))
+    if (const auto* align = valueOf<StyleKeyword>(declared, StyleProperty::textAlign))
         style.textAlign = *align;
-    if (const StyleKeyword* align = keywordOf(declared, StyleProperty::verticalAlign))
+    if (const auto* align = valueOf<StyleKeyword>(declared, StyleProperty::verticalAlign))
         style.verticalAlign = *align;
-    if (const StyleKeyword* align = keywordOf(declared, StyleProperty::verticalAlignLine))
+    if (const auto* align = valueOf<StyleKeyword>(declared, StyleProperty::verticalAlignLine))
         style.verticalAlign = *align;
     if (declared.has(StyleProperty::whiteSpace))
         style.noWrap = true;
-    if (const StyleKeyword* visibility = keywordOf(declared, StyleProperty::visibility))
+    if (const auto* visibility = valueOf<StyleKeyword>(declared, StyleProperty::visibility))
         style.visible = *visibility == StyleKeyword::visible;
-    if (const StyleKeyword* cursor = keywordOf(declared, StyleProperty::cursor))
+    if (const auto* cursor = valueOf<StyleKeyword>(declared, StyleProperty::cursor))
         style.pointerCursor = *cursor == StyleKeyword::pointer;
-    if (const StyleNumber* spacing = numberOf(declared, StyleProperty::lineSpacing))
+    if (const auto* spacing = valueOf<StyleNumber>(declared, StyleProperty::lineSpacing))
         style.lineSpacing = scaled(spacing->value(), scale);
 }
 
@@ -143,27 +127,27 @@ void applyBox(const StyleDef& declared, ComputedStyle& style, double scale)
         style.padding[side] = lengthOf(declared, offset(StyleProperty::paddingLeft, side), scale);
         style.margin[side] = lengthOf(declared, offset(StyleProperty::marginLeft, side), scale);
         BorderSide& border = style.border[side];
-        if (const StyleNumber* width = numberOf(declared, offset(StyleProperty::borderLeftWidth, side))) {
+        if (const auto* width = valueOf<StyleNumber>(declared, offset(StyleProperty::borderLeftWidth, side))) {
             border.width = scaled(width->value(), scale);
             border.style = StyleKeyword::solid; // a width alone draws a solid line
         }
-        if (const StyleKeyword* kind = keywordOf(declared, offset(StyleProperty::borderLeftStyle, side))) {
+        if (const auto* kind = valueOf<StyleKeyword>(declared, offset(StyleProperty::borderLeftStyle, side))) {
             border.style = *kind;
             if (!declared.has(offset(StyleProperty::borderLeftWidth, side)))
                 border.width = std::max(1, scaled(1, scale));
         }
-        if (const Colour* colour = colourOf(declared, offset(StyleProperty::borderLeftColor, side)))
+        if (const auto* colour = valueOf<Colour>(declared, offset(StyleProperty::borderLeftColor, side)))
             border.colour = *colour;
     }
 }
 
 void applyBackground(const StyleDef& declared, ComputedStyle& style)
 {
-    if (const Colour* colour = colourOf(declared, StyleProperty::backgroundColor))
+    if (const auto* colour = valueOf<Colour>(declared, StyleProperty::backgroundColor))
         style.background = *colour;
-    if (const StyleValue* value = declared.get(StyleProperty::backgroundGradient))
-        style.gradient = std::get<StyleGradient>(*value);
-    if (const ZString* image = textOf(declared, StyleProperty::backgroundImage)) {
+    if (const auto* gradient = valueOf<StyleGradient>(declared, StyleProperty::backgroundGradient))
+        style.gradient = *gradient;
+    if (const auto* image = valueOf<ZString>(declared, StyleProperty::backgroundImage)) {
         ZString address = image->trim();
         // url(...) is accepted as well as the bare address.
         if (address.startsWith(ZString(u"url(")) && address.endsWith(ZString(u")")))
@@ -172,7 +156,7 @@ void applyBackground(const StyleDef& declared, ComputedStyle& style)
             address = address.substring(1, address.length() - 2);
         style.backgroundImage = address;
     }
-    if (const StyleKeyword* repeat = keywordOf(declared, StyleProperty::backgroundRepeat))
+    if (const auto* repeat = valueOf<StyleKeyword>(declared, StyleProperty::backgroundRepeat))
         style.backgroundRepeat = *repeat;
 }
 
@@ -217,15 +201,15 @@ ComputedStyle computeStyle(const StyleDef& declared, const ComputedStyle* parent
     applyInherited(declared, style, scale);
     applyBox(declared, style, scale);
     applyBackground(declared, style);
-    if (const StyleKeyword* shown = keywordOf(declared, StyleProperty::display))
+    if (const auto* shown = valueOf<StyleKeyword>(declared, StyleProperty::display))
         style.display = *shown;
-    if (const StyleKeyword* align = keywordOf(declared, StyleProperty::verticalAlignContent))
+    if (const auto* align = valueOf<StyleKeyword>(declared, StyleProperty::verticalAlignContent))
         style.contentAlign = *align;
-    if (const StyleKeyword* overflow = keywordOf(declared, StyleProperty::overflow))
+    if (const auto* overflow = valueOf<StyleKeyword>(declared, StyleProperty::overflow))
         style.clipsContent = *overflow == StyleKeyword::hidden || *overflow == StyleKeyword::scroll;
-    if (const StyleNumber* spacing = numberOf(declared, StyleProperty::cellSpacing))
+    if (const auto* spacing = valueOf<StyleNumber>(declared, StyleProperty::cellSpacing))
         style.cellSpacing = scaled(spacing->value(), scale);
-    if (const StyleNumber* padding = numberOf(declared, StyleProperty::cellPadding))
+    if (const auto* padding = valueOf<StyleNumber>(declared, StyleProperty::cellPadding))
         style.cellPadding = scaled(padding->value(), scale);
     return style;
 }
