@@ -1,5 +1,6 @@
-// The conversion with real GDI+ images; JPEG encoding and the orientation read go through
-// their seams where Wine's GDI+ falls short (quality ignored, no EXIF orientation).
+// The GDI+ helpers, and the conversion with real GDI+ images; JPEG encoding and the
+// orientation read go through their seams where Wine's GDI+ falls short (quality ignored,
+// no EXIF orientation).
 
 #include "image/GdiplusHelpers.h"
 #include "image/ImageToPdf.h"
@@ -48,6 +49,7 @@ protected:
 private:
     ULONG_PTR token_ = 0;
 };
+using GdiplusHelpers = ImageToPdfTest;
 
 std::unique_ptr<Gdiplus::Bitmap> rgbBitmap(int width, int height)
 {
@@ -94,6 +96,69 @@ ZString jpegFile(const ScratchEnvironment& env)
     const ZString path = env.folder() + L"\\picture.jpg";
     EXPECT_EQ(rgbBitmap(64, 32)->Save(path.c_str(), &jpeg, nullptr), Gdiplus::Ok);
     return path;
+}
+
+TEST_F(GdiplusHelpers, FindEncoderWantsTheExactTypeAndEncodeToBufferAppendsTheFile)
+{
+    for (const wchar_t* mimeType : {L"image/PNG", L"image/png ", L"image/", L""}) {
+        CLSID clsid = {};
+        EXPECT_EQ(findEncoder(mimeType, &clsid), -1) << mimeType;
+    }
+    CLSID png = {};
+    ASSERT_GE(findEncoder(L"image/png", &png), 0);
+    const auto image = rgbBitmap(13, 7);
+    std::vector<uint8_t> bytes = {1, 2, 3};
+    ASSERT_TRUE(encodeToBuffer(image.get(), png, 0, bytes));
+    ASSERT_GT(bytes.size(), 7u);
+    EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + 7), "\1\2\3\x89PNG") << "appended after what was there";
+    Gdiplus::Bitmap decoded(env.writeFile(L"encoded.png", std::string(bytes.begin() + 3, bytes.end())).c_str());
+    ASSERT_EQ(decoded.GetWidth(), 13u);
+    ASSERT_EQ(decoded.GetHeight(), 7u);
+    for (int y = 0; y < 7; ++y)
+        for (int x = 0; x < 13; ++x) {
+            Gdiplus::Color expected, actual;
+            image->GetPixel(x, y, &expected);
+            decoded.GetPixel(x, y, &actual);
+            ASSERT_EQ(actual.GetValue() & 0xFFFFFF, expected.GetValue() & 0xFFFFFF) << x << "," << y;
+        }
+
+    const CLSID noEncoder = {0x12345678, 0x1, 0x2, {3, 4, 5, 6, 7, 8, 9, 10}};
+    const size_t encodedSize = bytes.size();
+    EXPECT_FALSE(encodeToBuffer(image.get(), noEncoder, 0, bytes));
+    EXPECT_EQ(bytes.size(), encodedSize);
+    EXPECT_NE(image->GetLastStatus(), Gdiplus::Ok) << "the failure is kept as the last status";
+}
+
+TEST_F(GdiplusHelpers, PackIndexedRowsKeepsRowBytesTopFirstAt1Or4Or8BitsOnly)
+{
+    // Width 9: 2, 5 and 9 bytes a row (only the pixels' bits of the last byte are kept);
+    // the stride of 16 would show any padding.
+    const struct {
+        int bits;
+        Gdiplus::PixelFormat format;
+        size_t rowBytes;
+        uint8_t lastByteMask;
+    } cases[] = {{1, PixelFormat1bppIndexed, 2, 0x80}, {4, PixelFormat4bppIndexed, 5, 0xF0},
+                 {8, PixelFormat8bppIndexed, 9, 0xFF}};
+    for (const auto& c : cases) {
+        std::vector<uint8_t> lines(16 * 3, 0xEE);
+        std::vector<uint8_t> expected = {42};
+        for (size_t y = 0; y < 3; ++y)
+            for (size_t i = 0; i < c.rowBytes; ++i) {
+                lines[y * 16 + i] = static_cast<uint8_t>((0x11 * (y + 1) + 3 * i) & (i + 1 == c.rowBytes ? c.lastByteMask : 0xFF));
+                expected.push_back(lines[y * 16 + i]);
+            }
+        Gdiplus::Bitmap bitmap(9, 3, 16, c.format, lines.data());
+        std::vector<uint8_t> bytes = {42};
+        ASSERT_TRUE(packIndexedRows(&bitmap, c.bits, bytes)) << c.bits;
+        EXPECT_EQ(bytes, expected) << c.bits;
+    }
+    // Other depths fail, and so do more bits than a row of the image holds.
+    std::vector<uint8_t> lines(4 * 2, 0), bytes;
+    Gdiplus::Bitmap oneBit(9, 2, 4, PixelFormat1bppIndexed, lines.data());
+    for (int bits : {0, 2, 8})
+        EXPECT_FALSE(packIndexedRows(&oneBit, bits, bytes)) << bits;
+    EXPECT_TRUE(bytes.empty());
 }
 
 TEST_F(ImageToPdfTest, CapturedBitmapIsReencodedOnceAtTheGivenQuality)
