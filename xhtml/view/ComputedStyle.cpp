@@ -22,6 +22,14 @@ const T* valueOf(const StyleDef& style, StyleProperty property)
     return value ? std::get_if<T>(value) : nullptr;
 }
 
+// Without the quote that opens the text and the unit that closes it.
+ZString unquoted(const ZString& text)
+{
+    if (text.length() >= 2 && (text[0] == '\'' || text[0] == '"'))
+        return text.substring(1, text.length() - 2);
+    return text;
+}
+
 Length lengthOf(const StyleDef& style, StyleProperty property, double scale)
 {
     const auto* number = valueOf<StyleNumber>(style, property);
@@ -74,9 +82,7 @@ void applyFont(const StyleDef& declared, ComputedStyle& style, double scale)
 {
     if (const auto* family = valueOf<ZString>(declared, StyleProperty::fontFamily)) {
         // The first family of a list, without quotes; the canvas's font mapper does the rest.
-        ZString first = family->substring(0, family->find(ZChar(','))).trim();
-        if (first.length() >= 2 && (first[0] == '\'' || first[0] == '"'))
-            first = first.substring(1, first.length() - 2);
+        const ZString first = unquoted(family->substring(0, family->find(ZChar(','))).trim());
         if (!first.isEmpty())
             style.font.family = first;
     }
@@ -152,9 +158,7 @@ void applyBackground(const StyleDef& declared, ComputedStyle& style)
         // url(...) is accepted as well as the bare address.
         if (address.startsWith(ZString(u"url(")) && address.endsWith(ZString(u")")))
             address = address.substring(4, address.length() - 5).trim();
-        if (address.length() >= 2 && (address[0] == '\'' || address[0] == '"'))
-            address = address.substring(1, address.length() - 2);
-        style.backgroundImage = address;
+        style.backgroundImage = unquoted(address);
     }
     if (const auto* repeat = valueOf<StyleKeyword>(declared, StyleProperty::backgroundRepeat))
         style.backgroundRepeat = *repeat;
