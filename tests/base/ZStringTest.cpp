@@ -9,28 +9,16 @@ namespace {
 
 ZString z(const char* utf8) { return ZString::fromUtf8(utf8); }
 
-TEST(ZString, Utf8RoundTripKeepsEveryPlane)
+TEST(ZString, Utf8RoundTripKeepsEveryPlaneAndReplacesMalformedInput)
 {
-    // A, e-acute, euro sign, G clef (outside the Basic Multilingual Plane).
+    // A, e-acute, euro sign, G clef (a surrogate pair).
     const std::string text = "A\xC3\xA9\xE2\x82\xAC\xF0\x9D\x84\x9E";
-    const ZString s = z(text.c_str());
-    ASSERT_EQ(s.length(), 5);
-    EXPECT_EQ(s.getAt(0), ZChar('A'));
-    EXPECT_EQ(s.getAt(1), ZChar(0xE9));
-    EXPECT_EQ(s.getAt(2), ZChar(0x20AC));
-    EXPECT_EQ(s.getAt(3), ZChar(0xD834));
-    EXPECT_EQ(s.getAt(4), ZChar(0xDD1E));
-    EXPECT_EQ(s.toUtf8(), text);
-}
+    EXPECT_EQ(z(text.c_str()), ZString(u"A\u00E9\u20AC\U0001D11E"));
+    EXPECT_EQ(z(text.c_str()).toUtf8(), text);
 
-TEST(ZString, MalformedUtf8AndLoneSurrogatesBecomeReplacementCharacters)
-{
-    const ZString truncated = z("ab\xE2\x82");
-    EXPECT_EQ(truncated.toUtf8(), "ab\xEF\xBF\xBD\xEF\xBF\xBD");
-    EXPECT_EQ(z("\xC0\xAF").getAt(0), ZChar(0xFFFD)) << "overlong form";
-    EXPECT_EQ(z("\xED\xA0\x80").getAt(0), ZChar(0xFFFD)) << "encoded surrogate";
-    EXPECT_EQ(z("\xF4\x90\x80\x80").getAt(0), ZChar(0xFFFD)) << "beyond U+10FFFF";
-
+    EXPECT_EQ(z("ab\xE2\x82").toUtf8(), "ab\xEF\xBF\xBD\xEF\xBF\xBD") << "truncated";
+    for (const char* bad : {"\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80"}) // overlong, surrogate, > U+10FFFF
+        EXPECT_EQ(z(bad).getAt(0), ZChar(0xFFFD)) << bad;
     ZString lone;
     lone.append(ZChar(0xD800)).append(ZChar('x'));
     EXPECT_EQ(lone.toUtf8(), "\xEF\xBF\xBDx");
@@ -51,28 +39,27 @@ TEST(ZString, GetAtOutsideTheStringThrowsWithTheFixedMessage)
     EXPECT_THROW(ZString().getAt(0), std::out_of_range);
 }
 
-TEST(ZString, ComparesByUnitOrWithoutCase)
+TEST(ZString, ComparesByUnitOrWithoutCaseAndLowerCases)
 {
     EXPECT_LT(z("B").compare(z("a")), 0);
-    EXPECT_EQ(z("abc").compare(z("abc")), 0);
     EXPECT_GT(z("abcd").compare(z("abc")), 0);
-    EXPECT_EQ(z("Screen").compareNoCase(z("sCREEN")), 0);
-    EXPECT_TRUE(z("\xC3\x84RGER").equalsNoCase(z("\xC3\xA4rger")));      // A-umlaut
-    EXPECT_TRUE(z("\xD0\x9F\xD0\xA0\xD0\x98").equalsNoCase(z("\xD0\xBF\xD1\x80\xD0\xB8"))); // Cyrillic
     EXPECT_LT(z("abc").compareNoCase(z("ABCD")), 0);
+    EXPECT_TRUE(z("\xC3\x84RGER").equalsNoCase(z("\xC3\xA4rger")));                        // A-umlaut
+    EXPECT_TRUE(z("\xD0\x9F\xD0\xA0\xD0\x98").equalsNoCase(z("\xD0\xBF\xD1\x80\xD0\xB8"))); // Cyrillic
     EXPECT_NE(z("Screen"), z("screen"));
+    EXPECT_EQ(z("ABC-xyz \xC3\x96").toLower(), z("abc-xyz \xC3\xB6"));
+    EXPECT_EQ(z("\xC3\x97").toLower(), z("\xC3\x97")) << "the multiplication sign has no case";
+    EXPECT_EQ(z("\xC5\x81\xC5\xB8\xCE\xA3").toLower(), z("\xC5\x82\xC3\xBF\xCF\x83")); // L-stroke, Y-diaeresis, sigma
 }
 
-TEST(ZString, FindSubstringAndAffixes)
+TEST(ZString, FindSubstringAffixesAndTrim)
 {
     const ZString s = z("shot.png.png");
-    EXPECT_EQ(s.find(z(".png")), 4);
     EXPECT_EQ(s.find(z(".png"), 5), 8);
     EXPECT_EQ(s.find(z("x")), ZString::npos);
     EXPECT_EQ(s.find(ZChar('.'), 99), ZString::npos);
     EXPECT_EQ(s.findLast(z(".png")), 8);
     EXPECT_EQ(s.findLast(ZChar('.'), 7), 4);
-    EXPECT_EQ(s.substring(5, 3), z("png"));
     EXPECT_EQ(s.substring(10), z("ng"));
     EXPECT_EQ(s.substring(50), ZString());
     EXPECT_EQ(s.substring(-3, 4), z("shot"));
@@ -80,22 +67,10 @@ TEST(ZString, FindSubstringAndAffixes)
     EXPECT_FALSE(z("ng").endsWith(z(".png")));
     EXPECT_TRUE(s.startsWith(z("shot")));
     EXPECT_FALSE(z("sh").startsWith(z("shot")));
-}
 
-TEST(ZString, TrimTakesExactlyTheSixWhiteSpaceUnits)
-{
     EXPECT_EQ(z("\t\n\v\f\r a b \r\n").trim(), z("a b"));
     EXPECT_EQ(z(" \t ").trim(), ZString());
-    // A no-break space is text, not white space.
-    EXPECT_EQ(z("\xC2\xA0x").trim().length(), 2);
-}
-
-TEST(ZString, LowerCasing)
-{
-    EXPECT_EQ(z("ABC-xyz \xC3\x96").toLower(), z("abc-xyz \xC3\xB6"));
-    EXPECT_EQ(z("\xC3\x97").toLower(), z("\xC3\x97")) << "the multiplication sign has no case";
-    EXPECT_EQ(z("\xC5\x81\xC5\xB8").toLower(), z("\xC5\x82\xC3\xBF")); // L-stroke, Y-diaeresis
-    EXPECT_EQ(z("\xCE\xA3").toLower(), z("\xCF\x83"));                  // Greek sigma
+    EXPECT_EQ(z("\xC2\xA0x").trim().length(), 2) << "a no-break space is text";
 }
 
 TEST(ZString, DecimalParsingAndFormatting)
@@ -122,10 +97,6 @@ TEST(ZString, DecimalParsingAndFormatting)
 
 TEST(ZString, PrintfStyleFormatting)
 {
-    const ZString path = z("C:\\Temp\\a b.png");
-    const ZString msg = ZString::format(u"ErrorCode=%d\nErrorMsg=%s\n\nSource=%s", 5, z("Access is denied.\r\n").c_str(),
-                                        path.c_str());
-    EXPECT_EQ(msg, z("ErrorCode=5\nErrorMsg=Access is denied.\r\n\n\nSource=C:\\Temp\\a b.png"));
     EXPECT_EQ(ZString::format(u"[%5d|%-4d|%05d|%+d]", 42, 7, -3, 1), z("[   42|7   |-0003|+1]"));
     EXPECT_EQ(ZString::format(u"%x %X %#x %o %u", 255u, 255u, 255u, 8u, 4000000000u), z("ff FF 0xff 10 4000000000"));
     EXPECT_EQ(ZString::format(u"%lld %I64d %zu", -5000000000LL, 1LL << 40, size_t(3)), z("-5000000000 1099511627776 3"));
