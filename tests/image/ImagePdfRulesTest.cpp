@@ -1,20 +1,12 @@
 #include "image/ImagePdfRules.h"
 #include "zpdf/BufferWriter.h"
 #include "zpdf/PdfException.h"
-#include "zpdf/Reference.h"
 #include "zpdf/Stream.h"
 
 #include <gtest/gtest.h>
 
 namespace imageToPdf {
 namespace {
-
-std::string serialized(const zpdf::Object& object)
-{
-    zpdf::BufferWriter out;
-    out.write(object);
-    return out.data();
-}
 
 TEST(ImagePdfRules, PageSizeContentStreamAndOrientation)
 {
@@ -24,24 +16,21 @@ TEST(ImagePdfRules, PageSizeContentStreamAndOrientation)
         bool a4;
         int pageWidth, pageHeight;
     } sizes[] = {
-        {2000, 1000, 96, true, 842, 421}, {2000, 1000, 96, false, 1500, 750}, {1600, 1200, 96, true, 842, 631},
-        {1200, 1600, 96, true, 631, 842}, {1920, 1080, 144, false, 960, 540}, {100, 100, 144, true, 50, 50},
-        {1, 1, 600, false, 0, 0},
+        {2000, 1000, 96, true, 842, 421}, {2000, 1000, 96, false, 1500, 750}, {1200, 1600, 96, true, 631, 842},
+        {1920, 1080, 144, false, 960, 540}, {100, 100, 144, true, 50, 50}, {1, 1, 600, false, 0, 0},
     };
     for (const auto& c : sizes) {
         const PageSize page = pageSize(c.width, c.height, c.dpi, c.a4);
         EXPECT_EQ(std::make_pair(page.width, page.height), std::make_pair(c.pageWidth, c.pageHeight))
             << c.width << "x" << c.height << " at " << c.dpi << (c.a4 ? " A4" : "");
     }
-    EXPECT_EQ(contentStream(842, 421, 0, 0, "img0"), "q\r\n842.000000 0 0 421.000000 0.000000 0.000000 cm\r\n/img0 Do\r\nQ\r\n");
     EXPECT_EQ(contentStream(1.5, 2.25, -3, 10, "img7"), "q\r\n1.500000 0 0 2.250000 -3.000000 10.000000 cm\r\n/img7 Do\r\nQ\r\n");
 
     const struct {
-        int exif;
-        int rotateFlip;
+        int exif, rotateFlip;
         bool passThrough;
-    } orientations[] = {{0, 0, true}, {1, 0, true}, {2, 4, false}, {3, 2, true},  {4, 6, false},
-                        {5, 5, false}, {6, 1, true}, {7, 7, false}, {8, 3, true}, {9, 0, true}, {-1, 0, true}};
+    } orientations[] = {{0, 0, true}, {1, 0, true}, {2, 4, false}, {3, 2, true},  {4, 6, false}, {5, 5, false},
+                        {6, 1, true}, {7, 7, false}, {8, 3, true}, {9, 0, true}, {-1, 0, true}};
     for (const auto& row : orientations) {
         EXPECT_EQ(orientationRule(row.exif).rotateFlip, row.rotateFlip) << row.exif;
         EXPECT_EQ(orientationRule(row.exif).passThroughAllowed, row.passThrough) << row.exif;
@@ -51,38 +40,38 @@ TEST(ImagePdfRules, PageSizeContentStreamAndOrientation)
 TEST(ImagePdfRules, IndexedColourSpaces)
 {
     zpdf::Document document;
+    auto written = [&](const Palette& palette, uint32_t flags) {
+        zpdf::BufferWriter out;
+        try {
+            out.write(*makeIndexedColorSpace(document, palette, flags));
+        } catch (const zpdf::PdfException& e) {
+            return std::string(e.what());
+        }
+        return out.take();
+    };
     Palette sixteen{16, std::vector<uint32_t>(16, 0xFF102030)};
     sixteen.entries[0] = 0xFFFF0000;
     std::string lookup = "FF0000";
     for (int i = 1; i < 16; ++i)
         lookup += "102030";
-    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, sixteen, kColorSpaceRgb)), "[/Indexed /DeviceRGB 15 <" + lookup + ">]");
+    EXPECT_EQ(written(sixteen, kColorSpaceRgb), "[/Indexed /DeviceRGB 15 <" + lookup + ">]");
     EXPECT_EQ(document.highestNumber(), 0u) << "no object for a string lookup";
 
-    const auto large = makeIndexedColorSpace(document, Palette{17, std::vector<uint32_t>(17, 0xFFA0B0C0)}, kColorSpaceRgb);
-    EXPECT_EQ(serialized(*large), "[/Indexed /DeviceRGB 16 1 0 R]");
-    zpdf::Object* stream = large->elements()[3]->resolve();
-    ASSERT_TRUE(stream && stream->type() == zpdf::Type::Stream);
-    EXPECT_EQ(static_cast<zpdf::Stream*>(stream)->decode().size(), 17u * 3);
+    EXPECT_EQ(written(Palette{17, std::vector<uint32_t>(17, 0xFFA0B0C0)}, kColorSpaceRgb), "[/Indexed /DeviceRGB 16 1 0 R]");
+    ASSERT_NE(document.object(1), nullptr);
+    zpdf::Stream* stream = document.object(1)->value()->asStream();
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(stream->decode().size(), 17u * 3);
+    EXPECT_EQ(stream->decode().substr(48), "\xA0\xB0\xC0");
 
     // Grey entries, or the GRAY flag, give one byte an entry: the flag wins over colourful
     // entries and the byte taken is the blue one.
     const Palette colourful{2, {0xFF123456, 0xFF654321}};
-    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, Palette{2, {0xFF000000, 0xFFFFFFFF}}, kColorSpaceRgb)),
-              "[/Indexed /DeviceGray 1 <00FF>]");
-    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, colourful, kColorSpaceGray)), "[/Indexed /DeviceGray 1 <5621>]");
-    EXPECT_EQ(serialized(*makeIndexedColorSpace(document, colourful, kColorSpaceRgb)), "[/Indexed /DeviceRGB 1 <123456654321>]");
-
-    auto errorOf = [&](const Palette& palette, uint32_t flags) -> std::string {
-        try {
-            makeIndexedColorSpace(document, palette, flags);
-        } catch (const zpdf::PdfException& e) {
-            return e.what();
-        }
-        return "(no exception)";
-    };
-    EXPECT_EQ(errorOf(Palette{1, {0xFF000000}}, 0x20 /* CMYK */), "Only GRAY or RGB supported");
-    EXPECT_EQ(errorOf(Palette{4, {0xFF000000, 0xFFFFFFFF}}, kColorSpaceRgb), "Index not in array range");
+    EXPECT_EQ(written(Palette{2, {0xFF000000, 0xFFFFFFFF}}, kColorSpaceRgb), "[/Indexed /DeviceGray 1 <00FF>]");
+    EXPECT_EQ(written(colourful, kColorSpaceGray), "[/Indexed /DeviceGray 1 <5621>]");
+    EXPECT_EQ(written(colourful, kColorSpaceRgb), "[/Indexed /DeviceRGB 1 <123456654321>]");
+    EXPECT_EQ(written(Palette{1, {0xFF000000}}, 0x20 /* CMYK */), "Only GRAY or RGB supported");
+    EXPECT_EQ(written(Palette{4, {0xFF000000, 0xFFFFFFFF}}, kColorSpaceRgb), "Index not in array range");
 }
 
 TEST(ImagePdfRules, JpegQualityStepsDownBy5UntilTheResultFits)
@@ -101,14 +90,11 @@ TEST(ImagePdfRules, JpegQualityStepsDownBy5UntilTheResultFits)
     EXPECT_EQ(encodeWithinSize(encode, 5000).size(), 5500u);
     EXPECT_EQ(qualities, (std::vector<long>{100, 95, 90, 85, 80, 75, 70, 65, 60, 55}));
     // The product is truncated: 1.1 x 4999 = 5498.9 allows 5498 bytes, so 55 no longer fits.
-    qualities.clear();
     EXPECT_EQ(encodeWithinSize(encode, 4999).size(), 5000u);
-    EXPECT_EQ(qualities.back(), 50);
     // Nothing fits: the steps stop at 30, and the last result is used.
     qualities.clear();
     EXPECT_EQ(encodeWithinSize(encode, 10).size(), 3000u);
     EXPECT_EQ(qualities.size(), 15u);
-    EXPECT_EQ(qualities.back(), 30);
     // A failed last step leaves its empty result.
     failAt = 30;
     EXPECT_TRUE(encodeWithinSize(encode, 10).empty());
