@@ -6,11 +6,6 @@ namespace xhtml {
 
 namespace {
 
-StyleProperty offset(StyleProperty property, int by)
-{
-    return static_cast<StyleProperty>(static_cast<int>(property) + by);
-}
-
 bool isBoxShorthand(StyleProperty property)
 {
     switch (property) {
@@ -156,7 +151,7 @@ void StyleDef::set(StyleProperty property, const StyleValue& value)
     store(property, value);
     if (isBoxShorthand(property)) {
         for (int side = 1; side <= 4; ++side)
-            store(offset(property, side), value);
+            store(propertyAfter(property, side), value);
     } else if (property == StyleProperty::overflow) {
         store(StyleProperty::overflowX, value);
         store(StyleProperty::overflowY, value);
@@ -170,11 +165,11 @@ void StyleDef::setBorderPart(StyleProperty shorthand, const StyleValue& value)
     const int side = static_cast<int>(shorthand) - static_cast<int>(StyleProperty::border);
     StyleProperty component;
     if (std::holds_alternative<StyleNumber>(value))
-        component = offset(StyleProperty::borderWidth, side);
+        component = propertyAfter(StyleProperty::borderWidth, side);
     else if (std::holds_alternative<Colour>(value))
-        component = offset(StyleProperty::borderColor, side);
+        component = propertyAfter(StyleProperty::borderColor, side);
     else if (std::holds_alternative<StyleKeyword>(value))
-        component = offset(StyleProperty::borderStyle, side);
+        component = propertyAfter(StyleProperty::borderStyle, side);
     else
         return;
     set(component, value);

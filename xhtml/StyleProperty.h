@@ -27,6 +27,13 @@ enum class StyleProperty : int32_t {
 };
 constexpr int stylePropertyCount = static_cast<int>(StyleProperty::cellPadding) + 1;
 
+// The property `by` places after `property`. The sides of a box or border group follow
+// their shorthand, and each other, in the order left, top, right, bottom.
+constexpr StyleProperty propertyAfter(StyleProperty property, int by)
+{
+    return static_cast<StyleProperty>(static_cast<int>(property) + by);
+}
+
 // How a property's value is written.
 enum class ValueSyntax {
     length,   // number with an ignored unit, "%" for a percentage, or "0x" integer

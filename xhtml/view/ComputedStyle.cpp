@@ -40,11 +40,6 @@ Length lengthOf(const StyleDef& style, StyleProperty property, double scale)
     return Length::pixels(scaled(number->value(), scale));
 }
 
-StyleProperty offset(StyleProperty property, int by)
-{
-    return static_cast<StyleProperty>(static_cast<int>(property) + by);
-}
-
 // Named sizes at 96 DPI, "xx-small" to "xx-large".
 int namedFontPixels(StyleKeyword keyword)
 {
@@ -130,19 +125,19 @@ void applyBox(const StyleDef& declared, ComputedStyle& style, double scale)
     style.minWidth = lengthOf(declared, StyleProperty::minWidth, scale);
     style.minHeight = lengthOf(declared, StyleProperty::minHeight, scale);
     for (int side = 0; side < 4; ++side) {
-        style.padding[side] = lengthOf(declared, offset(StyleProperty::paddingLeft, side), scale);
-        style.margin[side] = lengthOf(declared, offset(StyleProperty::marginLeft, side), scale);
+        style.padding[side] = lengthOf(declared, propertyAfter(StyleProperty::paddingLeft, side), scale);
+        style.margin[side] = lengthOf(declared, propertyAfter(StyleProperty::marginLeft, side), scale);
         BorderSide& border = style.border[side];
-        if (const auto* width = valueOf<StyleNumber>(declared, offset(StyleProperty::borderLeftWidth, side))) {
+        if (const auto* width = valueOf<StyleNumber>(declared, propertyAfter(StyleProperty::borderLeftWidth, side))) {
             border.width = scaled(width->value(), scale);
             border.style = StyleKeyword::solid; // a width alone draws a solid line
         }
-        if (const auto* kind = valueOf<StyleKeyword>(declared, offset(StyleProperty::borderLeftStyle, side))) {
+        if (const auto* kind = valueOf<StyleKeyword>(declared, propertyAfter(StyleProperty::borderLeftStyle, side))) {
             border.style = *kind;
-            if (!declared.has(offset(StyleProperty::borderLeftWidth, side)))
+            if (!declared.has(propertyAfter(StyleProperty::borderLeftWidth, side)))
                 border.width = std::max(1, scaled(1, scale));
         }
-        if (const auto* colour = valueOf<Colour>(declared, offset(StyleProperty::borderLeftColor, side)))
+        if (const auto* colour = valueOf<Colour>(declared, propertyAfter(StyleProperty::borderLeftColor, side)))
             border.colour = *colour;
     }
 }
