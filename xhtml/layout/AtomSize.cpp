@@ -76,11 +76,9 @@ Size imageSize(View& view, LayoutEnv& env, int available)
 Size atomSize(View& view, LayoutEnv& env, int available)
 {
     resolvePadding(view, available);
-    const int frameX = view.paddingOf(0) + view.paddingOf(2) + view.borderRoom(0) + view.borderRoom(2);
-    const int frameY = view.paddingOf(1) + view.paddingOf(3) + view.borderRoom(1) + view.borderRoom(3);
     if (view.kind == ViewKind::image) {
         const Size content = imageSize(view, env, available);
-        return Size{content.width + frameX, content.height + frameY};
+        return Size{content.width + frameWidth(view), content.height + frameHeight(view)};
     }
     Size size = controlSize(view, env);
     if (view.style.width.set)

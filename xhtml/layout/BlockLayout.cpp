@@ -17,35 +17,35 @@ void resolvePadding(View& view, int available)
         view.resolvedPadding[side] = std::max(0, view.style.padding[side].resolve(available));
 }
 
-int horizontalFrame(View& view, int available)
+int frameWidth(const View& view)
 {
-    resolvePadding(view, available);
     return view.paddingOf(0) + view.paddingOf(2) + view.borderRoom(0) + view.borderRoom(2);
 }
 
-namespace {
-
-int verticalFrame(const View& view)
+int frameHeight(const View& view)
 {
     return view.paddingOf(1) + view.paddingOf(3) + view.borderRoom(1) + view.borderRoom(3);
 }
 
-int resolvedHorizontalFrame(const View& view)
+int horizontalFrame(View& view, int available)
 {
-    return view.paddingOf(0) + view.paddingOf(2) + view.borderRoom(0) + view.borderRoom(2);
+    resolvePadding(view, available);
+    return frameWidth(view);
 }
+
+namespace {
 
 // Lays out the content of a block whose box position and width are set; sets its height.
 void layoutContent(View& view, LayoutEnv& env, int containingHeight)
 {
     const int givenHeight = view.style.height.resolve(containingHeight, -1);
     const Rect inner{view.box.x + view.borderRoom(0) + view.paddingOf(0), view.box.y + view.borderRoom(1) + view.paddingOf(1),
-                     view.box.width - resolvedHorizontalFrame(view), 0};
+                     view.box.width - frameWidth(view), 0};
     const int contentHeight = layoutFlow(view, env, inner.x, inner.y, std::max(0, inner.width), givenHeight);
     int height = givenHeight >= 0 ? givenHeight : contentHeight;
     height = std::max(height, view.style.minHeight.resolve(containingHeight, 0));
     alignContent(view, contentHeight, height);
-    view.box.height = height + verticalFrame(view);
+    view.box.height = height + frameHeight(view);
 }
 
 // Where a block narrower than its container goes: a table by its "align", any block by

@@ -67,6 +67,10 @@ void tableWidths(View& table, LayoutEnv& env, int& minWidth, int& maxWidth);
 // Padding and borders across a view (left + right), with percentages of `available`.
 int horizontalFrame(View& view, int available);
 void resolvePadding(View& view, int available);
+// Padding and borders across (left + right) and down (top + bottom), with the padding as
+// last resolved.
+int frameWidth(const View& view);
+int frameHeight(const View& view);
 
 // Vertical alignment of a container's content inside a taller box.
 void alignContent(View& view, int contentHeight, int innerHeight);

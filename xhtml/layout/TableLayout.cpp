@@ -205,11 +205,6 @@ std::vector<int> columnWidths(const Columns& columns, int inner)
     return widths;
 }
 
-int tableFrame(View& table, int available)
-{
-    return horizontalFrame(table, available);
-}
-
 // Row heights from the cells, stretched to the table's own height.
 std::vector<int> rowHeights(const Grid& grid, int spacing, int innerHeight)
 {
@@ -244,7 +239,7 @@ void tableWidths(View& table, LayoutEnv& env, int& minWidth, int& maxWidth)
     Grid grid = buildGrid(table);
     const int spacing = spacingOf(table, env);
     const Columns columns = measureColumns(table, grid, env, spacing);
-    const int frame = tableFrame(table, 0) + spacing * (grid.columns + 1);
+    const int frame = horizontalFrame(table, 0) + spacing * (grid.columns + 1);
     minWidth = std::accumulate(columns.minimum.begin(), columns.minimum.end(), 0) + frame;
     maxWidth = std::accumulate(columns.maximum.begin(), columns.maximum.end(), 0) + frame;
     if (table.style.width.set && !table.style.width.percent)
@@ -260,7 +255,7 @@ void layoutTable(View& table, LayoutEnv& env, int x, int y, int available, int c
     const int marginLeft = marginOf(table, 0, available);
     const int marginRight = marginOf(table, 2, available);
     const Columns columns = measureColumns(table, grid, env, spacing);
-    const int frame = tableFrame(table, available) + spacing * (grid.columns + 1);
+    const int frame = horizontalFrame(table, available) + spacing * (grid.columns + 1);
     const int minimum = std::accumulate(columns.minimum.begin(), columns.minimum.end(), 0);
     const int maximum = std::accumulate(columns.maximum.begin(), columns.maximum.end(), 0);
     // The table's width attribute and style width count its whole border box.
@@ -280,9 +275,8 @@ void layoutTable(View& table, LayoutEnv& env, int x, int y, int available, int c
         const int width = columnX[cell.column + cell.columns] - spacing - columnX[cell.column];
         layoutBlockOfWidth(*cell.view, env, columnX[cell.column], 0, width, -1);
     }
-    const int verticalFrame = table.borderRoom(1) + table.borderRoom(3) + table.paddingOf(1) + table.paddingOf(3);
     const int givenHeight = table.style.height.resolve(containingHeight, -1);
-    const std::vector<int> heights = rowHeights(grid, spacing, givenHeight - verticalFrame);
+    const std::vector<int> heights = rowHeights(grid, spacing, givenHeight - frameHeight(table));
 
     std::vector<int> rowY(grid.rows.size() + 1, content.y + spacing);
     for (size_t r = 0; r < grid.rows.size(); ++r) {
@@ -294,7 +288,7 @@ void layoutTable(View& table, LayoutEnv& env, int x, int y, int available, int c
         const int contentHeight = view.box.height;
         view.translate(0, rowY[cell.row] - view.box.y);
         view.box.height = rowY[cell.row + cell.rows] - spacing - rowY[cell.row];
-        const int frameY = view.borderRoom(1) + view.borderRoom(3) + view.paddingOf(1) + view.paddingOf(3);
+        const int frameY = frameHeight(view);
         alignContent(view, contentHeight - frameY, view.box.height - frameY);
     }
     table.box.height = rowY.back() - table.box.y + table.borderRoom(3) + table.paddingOf(3);
