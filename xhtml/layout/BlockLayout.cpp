@@ -52,8 +52,6 @@ void layoutContent(View& view, LayoutEnv& env, int containingHeight)
 // the container's text alignment ("center" centres what it holds).
 int horizontalOffset(const View& child, const ComputedStyle& container, int room)
 {
-    if (room <= 0)
-        return 0;
     StyleKeyword align = container.textAlign;
     if (child.kind == ViewKind::table) {
         const ZString* attribute = child.attribute(u"align");
@@ -63,14 +61,21 @@ int horizontalOffset(const View& child, const ComputedStyle& container, int room
         else if (attribute && equalsNoCase(*attribute, u"right"))
             align = StyleKeyword::right;
     }
+    return alignOffset(align, room);
+}
+
+} // namespace
+
+int alignOffset(StyleKeyword align, int room)
+{
+    if (room <= 0)
+        return 0;
     if (align == StyleKeyword::center)
         return room / 2;
     if (align == StyleKeyword::right)
         return room;
     return 0;
 }
-
-} // namespace
 
 void alignContent(View& view, int contentHeight, int innerHeight)
 {

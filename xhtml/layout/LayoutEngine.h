@@ -72,6 +72,9 @@ void resolvePadding(View& view, int available);
 int frameWidth(const View& view);
 int frameHeight(const View& view);
 
+// Where a piece `room` narrower than its line or container starts, for a text alignment
+// (left and justify: at the start).
+int alignOffset(StyleKeyword align, int room);
 // Vertical alignment of a container's content inside a taller box.
 void alignContent(View& view, int contentHeight, int innerHeight);
 

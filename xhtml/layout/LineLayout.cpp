@@ -97,17 +97,6 @@ int itemTop(const InlineItem& item, const LineGeometry& line)
     }
 }
 
-int alignOffset(StyleKeyword align, int room)
-{
-    if (room <= 0)
-        return 0;
-    if (align == StyleKeyword::center)
-        return room / 2;
-    if (align == StyleKeyword::right)
-        return room;
-    return 0;
-}
-
 // Places the items of one line; consecutive words of one text view become one fragment.
 void placeLine(const Line& line, std::vector<InlineItem>& items, const LineGeometry& geometry, int x, int y)
 {
