@@ -12,22 +12,18 @@ ZString programPath(const ScratchEnvironment& env) { return env.registryKey() + 
 TEST(Settings, UserValuesRoundTripInEveryType)
 {
     ScratchEnvironment env;
-    EXPECT_TRUE(userConfig_setDword(L"screenCapture.lastMode", 0xFFFFFFFFu));
-    EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", 7), 0xFFFFFFFFu);
-    EXPECT_TRUE(userConfig_setDword(L"screenCapture.lastMode", 5));
-    EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", 7), 5u);
-
-    EXPECT_TRUE(userConfig_setBool(L"flag", true));
-    EXPECT_TRUE(userConfig_getBool(L"flag", false));
-    EXPECT_TRUE(userConfig_setBool(L"flag", false));
-    EXPECT_FALSE(userConfig_getBool(L"flag", true));
-
-    const ZString text = ZString::fromUtf8("C:\\Users\\J\xC3\xBCrgen\\Documents \xF0\x9F\x93\x84");
-    EXPECT_TRUE(userConfig_setStr(L"assistant.outputDir", text));
-    EXPECT_EQ(userConfig_getStr(L"assistant.outputDir", L"default"), text);
-    EXPECT_TRUE(userConfig_setStr(L"empty", ZString()));
-    EXPECT_EQ(userConfig_getStr(L"empty", L"default"), ZString());
-
+    for (uint32_t value : {0xFFFFFFFFu, 5u}) {
+        EXPECT_TRUE(userConfig_setDword(L"screenCapture.lastMode", value));
+        EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", 7), value);
+    }
+    for (bool value : {true, false}) {
+        EXPECT_TRUE(userConfig_setBool(L"flag", value));
+        EXPECT_EQ(userConfig_getBool(L"flag", !value), value);
+    }
+    for (const ZString& text : {ZString::fromUtf8("C:\\Users\\J\xC3\xBCrgen\\Documents \xF0\x9F\x93\x84"), ZString()}) {
+        EXPECT_TRUE(userConfig_setStr(L"assistant.outputDir", text));
+        EXPECT_EQ(userConfig_getStr(L"assistant.outputDir", L"default"), text);
+    }
     // The key is the value's name as written, directly in the user key.
     EXPECT_EQ(RegistryKey::openForReading(HKEY_CURRENT_USER, userPath(env)).readDword(L"screenCapture.lastMode"), 5u);
 }
@@ -102,8 +98,7 @@ TEST(Settings, FailedWriteReportsFalseAndKeepsThePreviousValue)
     EXPECT_FALSE(userConfig_setDword(tooLong, 1));
     EXPECT_EQ(userConfig_getStr(L"kept", ZString()), ZString(L"before"));
 
-    // A user key that cannot be created (a value name where a key should be is fine, but a
-    // key name over 255 characters is not) fails every write.
+    // A user key that cannot be created (a key name over 255 characters) fails every write.
     settings_redirect(env.registryKey() + L"\\" + ZString(300, L'x'));
     EXPECT_FALSE(userConfig_setDword(L"kept", 2));
     settings_redirect(env.registryKey());
