@@ -138,47 +138,38 @@ void clearFragments(View& view)
     }
 }
 
+// Grows `all` to cover `part`; the first part (`any` still false) is taken as it is.
+void cover(Rect& all, bool& any, const Rect& part)
+{
+    if (!any) {
+        all = part;
+        any = true;
+        return;
+    }
+    const int right = std::max(all.right(), part.right());
+    const int bottom = std::max(all.bottom(), part.bottom());
+    all.x = std::min(all.x, part.x);
+    all.y = std::min(all.y, part.y);
+    all.width = right - all.x;
+    all.height = bottom - all.y;
+}
+
 // An inline container's box: what its pieces cover.
 Rect unionBoxes(View& view)
 {
-    if (view.kind == ViewKind::text) {
-        Rect all;
-        bool any = false;
-        for (const TextFragment& fragment : view.fragments) {
-            if (!any) {
-                all = fragment.box;
-                any = true;
-                continue;
-            }
-            const int right = std::max(all.right(), fragment.box.right());
-            const int bottom = std::max(all.bottom(), fragment.box.bottom());
-            all.x = std::min(all.x, fragment.box.x);
-            all.y = std::min(all.y, fragment.box.y);
-            all.width = right - all.x;
-            all.height = bottom - all.y;
-        }
-        view.box = all;
-        return all;
-    }
-    if (view.isAtom() || view.isBlockLevel() || view.kind == ViewKind::lineBreak)
-        return view.box;
     Rect all;
     bool any = false;
-    for (auto& child : view.children) {
-        const Rect part = unionBoxes(*child);
-        if (part.isEmpty() || !child->isDisplayed())
-            continue;
-        if (!any) {
-            all = part;
-            any = true;
-            continue;
+    if (view.kind == ViewKind::text) {
+        for (const TextFragment& fragment : view.fragments)
+            cover(all, any, fragment.box);
+    } else if (view.isAtom() || view.isBlockLevel() || view.kind == ViewKind::lineBreak) {
+        return view.box;
+    } else {
+        for (auto& child : view.children) {
+            const Rect part = unionBoxes(*child);
+            if (!part.isEmpty() && child->isDisplayed())
+                cover(all, any, part);
         }
-        const int right = std::max(all.right(), part.right());
-        const int bottom = std::max(all.bottom(), part.bottom());
-        all.x = std::min(all.x, part.x);
-        all.y = std::min(all.y, part.y);
-        all.width = right - all.x;
-        all.height = bottom - all.y;
     }
     view.box = all;
     return all;
