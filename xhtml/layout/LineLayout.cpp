@@ -26,10 +26,7 @@ std::vector<Line> breakLines(const std::vector<InlineItem>& items, int width)
         const InlineItem& item = items[i];
         Line& line = lines.back();
         if (item.type == InlineItem::Type::lineBreak) {
-            if (line.placed.empty())
-                line.placed.push_back(Placed{i, 0});
-            else
-                line.placed.push_back(Placed{i, line.width});
+            line.placed.push_back(Placed{i, line.width}); // an empty line is 0 wide
             lines.emplace_back();
             pendingSpace = 0;
             continue;
