@@ -127,20 +127,15 @@ bool StyleRuleList::matches(const StyleRule& rule, const HtmlTagNode& element, c
     return false;
 }
 
-void StyleRuleList::apply(const HtmlTagNode& element, PointerState state, StyleDef& style) const
+StyleDef StyleRuleList::styleFor(const HtmlTagNode& element, PointerState state, StyleDef base) const
 {
+    StyleDef style = std::move(base);
     const ZString* classAttribute = element.attribute(ZString(u"class"));
     const std::vector<ZString> classWords = classAttribute ? splitWords(*classAttribute) : std::vector<ZString>();
     for (const StyleRule& rule : rules_) {
         if (rule.state == state && matches(rule, element, classWords))
             style.parse(rule.declarations);
     }
-}
-
-StyleDef StyleRuleList::styleFor(const HtmlTagNode& element, PointerState state) const
-{
-    StyleDef style;
-    apply(element, state, style);
     if (const ZString* own = element.attribute(ZString(styleAttributeName(state))))
         style.parse(*own);
     return style;

@@ -36,13 +36,11 @@ public:
     // element's tag name, its id and one of its class words.
     static bool matches(const StyleRule& rule, const HtmlTagNode& element, const std::vector<ZString>& classWords);
 
-    // Parses the declarations of every rule of that state that matches, in list order, so a
-    // later rule overrides an earlier one.
-    void apply(const HtmlTagNode& element, PointerState state, StyleDef& style) const;
-
-    // The matching rules, then the element's own declarations for the state ("style",
+    // Over `base` (for the normal state, what the element's name and attributes say): the
+    // declarations of every rule of that state that matches, in list order, so a later rule
+    // overrides an earlier one; then the element's own declarations for the state ("style",
     // "moStyle", "lbdStyle" or "rbdStyle"), so that what an element says of itself wins.
-    StyleDef styleFor(const HtmlTagNode& element, PointerState state) const;
+    StyleDef styleFor(const HtmlTagNode& element, PointerState state, StyleDef base = StyleDef()) const;
 
 private:
     std::vector<StyleRule> rules_;

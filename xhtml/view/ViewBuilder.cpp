@@ -240,15 +240,12 @@ private:
         return view;
     }
 
-    // Normal: the element's defaults and attributes, then the matching rules, then its own
-    // style attribute, so that what an element says of itself wins. Other states: their
-    // rules and attribute only, applied over the normal style when the state is on.
+    // Normal: the element's defaults and attributes under its rules and style attribute.
+    // Other states: their rules and attribute only, applied over the normal style when the
+    // state is on.
     void declareStyles(const HtmlTagNode& element, View& view)
     {
-        view.declared[0] = presentationalStyle(element);
-        rules_.apply(element, PointerState::normal, view.declared[0]);
-        if (const ZString* own = element.attribute(ZString(u"style")))
-            view.declared[0].parse(*own);
+        view.declared[0] = rules_.styleFor(element, PointerState::normal, presentationalStyle(element));
         for (int state = 1; state < 4; ++state) {
             view.declared[state] = rules_.styleFor(element, static_cast<PointerState>(state));
             view.hasStateStyle[state] = !view.declared[state].isEmpty();
