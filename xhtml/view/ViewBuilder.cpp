@@ -130,7 +130,7 @@ void readOptions(const HtmlTagNode& select, ControlModel& model)
         }
         SelectOption entry;
         entry.label = ViewBuilder::collapsedText(attributeOr(option, u"label", rawText(option))).trim();
-        entry.value = option.attribute(ZString(u"value")) ? attributeOr(option, u"value") : entry.label;
+        entry.value = attributeOr(option, u"value", entry.label);
         entry.selected = hasAttribute(option, u"selected");
         model.options.push_back(std::move(entry));
     }
