@@ -161,17 +161,13 @@ TEST(Bitmap, CopyFromTakesWhatTheScreenShows)
 
 TEST(Bitmap, ScaleTruncatesTheSizeAndStretchesThePixels)
 {
-    // Four solid quadrants split at (splitX, splitY).
-    const auto quadrants = [](double splitX, double splitY) -> PixelPattern {
-        return [=](int x, int y) {
-            if (y < splitY)
-                return x < splitX ? rgb(255, 0, 0) : rgb(0, 0, 255);
-            return x < splitX ? rgb(0, 255, 0) : rgb(255, 255, 0);
-        };
+    // Four solid quadrants of a width x height area.
+    const auto quadrants = [](double width, double height) -> PixelPattern {
+        return [=](int x, int y) { return rgb(x < width / 2 ? 255 : 0, y < height / 2 ? 255 : 0, 90); };
     };
     for (double factor : {1.5, 0.5}) {
         Bitmap bitmap;
-        bitmap.attach(makeBitmap(101, 51, quadrants(50, 25)), true);
+        bitmap.attach(makeBitmap(101, 51, quadrants(100, 50)), true);
         HBITMAP original = bitmap.handle();
         bitmap.scale(factor);
         EXPECT_FALSE(isLive(original)) << "the owned original is freed";
@@ -180,7 +176,7 @@ TEST(Bitmap, ScaleTruncatesTheSizeAndStretchesThePixels)
         ASSERT_EQ(scaled.width, static_cast<int>(101 * factor));
         ASSERT_EQ(scaled.height, static_cast<int>(51 * factor));
         EXPECT_EQ(scaled.pixels, readBitmapPixels(bitmap.handle()).pixels) << "a copy shows the same";
-        const PixelPattern expected = quadrants(50 * factor, 25 * factor);
+        const PixelPattern expected = quadrants(100 * factor, 50 * factor);
         for (int y = 0; y < scaled.height; ++y)
             for (int x = 0; x < scaled.width; ++x) {
                 // Away from the edges between the quadrants, where neighbours mix.
