@@ -13,15 +13,6 @@
 
 namespace {
 
-std::string utf8(const wchar_t* text)
-{
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    std::string out(static_cast<size_t>(size > 0 ? size - 1 : 0), '\0');
-    if (size > 1)
-        WideCharToMultiByte(CP_UTF8, 0, text, -1, &out[0], size, nullptr, nullptr);
-    return out;
-}
-
 int record()
 {
     wchar_t path[MAX_PATH] = {};
@@ -30,48 +21,13 @@ int record()
     FILE* out = _wfopen(path, L"ab");
     if (!out)
         return 4;
-    std::fprintf(out, "%s\n", utf8(GetCommandLineW()).c_str());
+    const wchar_t* command = GetCommandLineW();
+    const int size = WideCharToMultiByte(CP_UTF8, 0, command, -1, nullptr, 0, nullptr, nullptr);
+    std::string utf8(static_cast<size_t>(size > 0 ? size : 1), '\0'); // with the terminating null
+    WideCharToMultiByte(CP_UTF8, 0, command, -1, &utf8[0], size, nullptr, nullptr);
+    std::fprintf(out, "%s\n", utf8.c_str());
     std::fclose(out);
     return 0;
-}
-
-// Sets READY once `acquire` succeeded, waits for DONE (30 s at most), then lets go.
-template <typename Acquire, typename Release>
-int holdUntilDone(const wchar_t* readyName, const wchar_t* doneName, Acquire acquire, Release release)
-{
-    HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, readyName);
-    HANDLE done = OpenEventW(SYNCHRONIZE, FALSE, doneName);
-    int status = 5;
-    if (ready && done && acquire()) {
-        SetEvent(ready);
-        WaitForSingleObject(done, 30000);
-        release();
-        status = 0;
-    }
-    if (ready)
-        CloseHandle(ready);
-    if (done)
-        CloseHandle(done);
-    return status;
-}
-
-int holdClipboard(const wchar_t* readyName, const wchar_t* doneName)
-{
-    // Opened for a window, as programs do: Wine lets a second OpenClipboard(NULL) through
-    // while the clipboard is open for no window.
-    HWND window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-    const int status = holdUntilDone(readyName, doneName, [&] { return window && OpenClipboard(window); },
-                                     [] { CloseClipboard(); });
-    if (window)
-        DestroyWindow(window);
-    return status;
-}
-
-int holdMutex(const wchar_t* name, const wchar_t* readyName, const wchar_t* doneName)
-{
-    HANDLE mutex = nullptr;
-    return holdUntilDone(readyName, doneName, [&] { return (mutex = CreateMutexW(nullptr, TRUE, name)) != nullptr; },
-                         [&] { CloseHandle(mutex); });
 }
 
 } // namespace
@@ -79,9 +35,21 @@ int holdMutex(const wchar_t* name, const wchar_t* readyName, const wchar_t* done
 int wmain(int argc, wchar_t** argv)
 {
     const std::wstring command = argc > 1 ? argv[1] : L"";
-    if (command == L"hold-clipboard" && argc == 4)
-        return holdClipboard(argv[2], argv[3]);
-    if (command == L"hold-mutex" && argc == 5)
-        return holdMutex(argv[2], argv[3], argv[4]);
-    return record();
+    const bool clipboard = command == L"hold-clipboard" && argc == 4;
+    if (!clipboard && !(command == L"hold-mutex" && argc == 5))
+        return record();
+    HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, argv[argc - 2]);
+    HANDLE done = OpenEventW(SYNCHRONIZE, FALSE, argv[argc - 1]);
+    // The clipboard is opened for a window, as programs do: Wine lets a second
+    // OpenClipboard(NULL) through while the clipboard is open for no window.
+    HWND window = clipboard ? CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr)
+                            : nullptr;
+    HANDLE mutex = clipboard ? nullptr : CreateMutexW(nullptr, TRUE, argv[2]);
+    if (!ready || !done || !(clipboard ? window && OpenClipboard(window) : mutex != nullptr))
+        return 5; // the system closes what was opened
+    SetEvent(ready);
+    WaitForSingleObject(done, 30000);
+    if (clipboard)
+        CloseClipboard();
+    return 0;
 }

@@ -8,29 +8,39 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <vector>
 
 namespace {
 
 int holderCounter = 0;
 
-KernelHandle startHelper(const ZString& arguments)
+ZString helperProgramPath()
 {
-    return startProgram(L"\"" + helperProgramPath() + L"\" " + arguments);
+    return moduleFolder(GetModuleHandleW(nullptr)) + L"\\pryxa-test-helper.exe";
 }
 
-} // namespace
-
-KernelHandle startProgram(const ZString& text)
+// `output`, if given, is inherited as standard output and error.
+KernelHandle launch(const ZString& text, HANDLE output)
 {
     std::vector<wchar_t> commandLine(text.c_str(), text.c_str() + text.length() + 1); // CreateProcessW may write to it
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
+    if (output) {
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdOutput = startup.hStdError = output;
+    }
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, output != nullptr, 0, nullptr, nullptr,
+                        &startup, &process))
         return KernelHandle();
     CloseHandle(process.hThread);
     return KernelHandle(process.hProcess);
+}
+
+} // namespace
+
+KernelHandle startProgram(const ZString& commandLine)
+{
+    return launch(commandLine, nullptr);
 }
 
 int runProgram(const ZString& commandLine, std::string& output, unsigned timeoutMs)
@@ -44,43 +54,25 @@ int runProgram(const ZString& commandLine, std::string& output, unsigned timeout
                                         &inheritable, CREATE_ALWAYS, FILE_ATTRIBUTE_TEMPORARY, nullptr));
     if (!outputFile)
         return -1;
-    std::vector<wchar_t> command(commandLine.c_str(), commandLine.c_str() + commandLine.length() + 1);
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
-    startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdOutput = outputFile.get();
-    startup.hStdError = outputFile.get();
-    PROCESS_INFORMATION process = {};
-    int exitCode = -1;
-    if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process)) {
-        KernelHandle thread(process.hThread);
-        KernelHandle child(process.hProcess);
-        DWORD code = 0;
-        if (pumpUntil([&] { return WaitForSingleObject(child.get(), 0) == WAIT_OBJECT_0; }, timeoutMs)
-            && GetExitCodeProcess(child.get(), &code))
-            exitCode = static_cast<int>(code);
-    }
+    const KernelHandle child = launch(commandLine, outputFile.get());
+    DWORD code = 0;
+    const bool ended = child && pumpUntil([&] { return WaitForSingleObject(child.get(), 0) == WAIT_OBJECT_0; }, timeoutMs);
+    const int exitCode = ended && GetExitCodeProcess(child.get(), &code) ? static_cast<int>(code) : -1;
     outputFile.reset();
-    std::ifstream in(std::filesystem::path(outputPath.c_str()), std::ios::binary);
-    output.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    in.close();
+    {
+        std::ifstream in(std::filesystem::path(outputPath.c_str()), std::ios::binary);
+        output.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
     DeleteFileW(outputPath.c_str());
     return exitCode;
-}
-
-ZString helperProgramPath()
-{
-    return moduleFolder(GetModuleHandleW(nullptr)) + L"\\pryxa-test-helper.exe";
 }
 
 HeldByHelper::HeldByHelper(const ZString& command)
 {
     const ZString base = ZString::format(L"PryxaHeldByHelper-%lu-%d", GetCurrentProcessId(), ++holderCounter);
-    const ZString readyName = base + L"-ready";
-    const ZString doneName = base + L"-done";
-    ready_ = KernelHandle(CreateEventW(nullptr, TRUE, FALSE, readyName.c_str()));
-    done_ = KernelHandle(CreateEventW(nullptr, TRUE, FALSE, doneName.c_str()));
-    process_ = startHelper(command + L" " + readyName + L" " + doneName);
+    ready_ = KernelHandle(CreateEventW(nullptr, TRUE, FALSE, (base + L"-ready").c_str()));
+    done_ = KernelHandle(CreateEventW(nullptr, TRUE, FALSE, (base + L"-done").c_str()));
+    process_ = startProgram(L"\"" + helperProgramPath() + L"\" " + command + L" " + base + L"-ready " + base + L"-done");
     holding_ = process_ && WaitForSingleObject(ready_.get(), 10000) == WAIT_OBJECT_0;
 }
 
@@ -101,8 +93,7 @@ CommandRecorder::CommandRecorder(const ZString& folder)
 CommandRecorder::~CommandRecorder()
 {
     SetEnvironmentVariableW(L"PRYXA_RECORD_FILE", nullptr);
-    std::error_code ignored;
-    std::filesystem::remove(std::filesystem::path(path_.c_str()), ignored);
+    DeleteFileW(path_.c_str());
 }
 
 ZString CommandRecorder::commandFor(const ZString& arguments)

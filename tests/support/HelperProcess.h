@@ -1,6 +1,5 @@
 #pragma once
-// The second process of tests that need one (tests/helpers/TestHelper.cpp), and what it
-// records.
+// Child processes for tests: any program, or the helper tests/helpers/TestHelper.cpp.
 
 #include "base/ZString.h"
 #include "base/win/KernelHandle.h"
@@ -8,22 +7,16 @@
 #include <string>
 #include <vector>
 
-// The helper program's full path, beside the test program.
-ZString helperProgramPath();
-
 // Starts `commandLine` (program and arguments); its process handle, empty on failure.
 KernelHandle startProgram(const ZString& commandLine);
 
 // Runs `commandLine` to its end (at most `timeoutMs`) and returns its exit code, or -1 if
-// it could not be started or did not end; `output` receives what it wrote to its standard
-// output and error.
+// it could not be started or did not end; `output` receives its standard output and error.
 int runProgram(const ZString& commandLine, std::string& output, unsigned timeoutMs = 60000);
 
-// Keeps something in another process for the object's lifetime: the helper's "hold-..."
-// commands, given the events they wait on.
+// Keeps something in the helper process for the object's lifetime ("hold-..." commands).
 class HeldByHelper {
 public:
-    // `command` and its first arguments, such as L"hold-mutex Pryxa-DocTool-Sink".
     explicit HeldByHelper(const ZString& command);
     ~HeldByHelper();
     HeldByHelper(const HeldByHelper&) = delete;

@@ -6,133 +6,82 @@
 #include <windows.h>
 #include <winternl.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
 namespace {
 
+template <typename Function>
+Function ntdll(const char* name)
+{
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), name)));
+}
+
 // The GDI handle table that the PEB points to. Entries: kernel pointer, then the owner's
 // process id (16 bits), a count, the handle's upper 16 bits (0x80: stock object) and the
 // type. Wine keeps 64-bit pointers in every build and its table is per process, with 0
 // as the owner; Windows shares one table per session and records the owner.
-using QueryInformationProcess = NTSTATUS(NTAPI*)(HANDLE, PROCESSINFOCLASS, void*, ULONG, ULONG*);
-
-const uint8_t* processEnvironmentBlock()
+int countGdiObjects()
 {
-    auto query = reinterpret_cast<QueryInformationProcess>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
+    using Query = NTSTATUS(NTAPI*)(HANDLE, PROCESSINFOCLASS, void*, ULONG, ULONG*);
+    const auto query = ntdll<Query>("NtQueryInformationProcess");
     PROCESS_BASIC_INFORMATION info = {};
-    if (!query || query(GetCurrentProcess(), ProcessBasicInformation, &info, sizeof info, nullptr) < 0)
-        return nullptr;
-    return reinterpret_cast<const uint8_t*>(info.PebBaseAddress);
-}
-
-int countGdiObjectsInTable()
-{
-    const uint8_t* peb = processEnvironmentBlock();
-    if (!peb)
+    if (!query || query(GetCurrentProcess(), ProcessBasicInformation, &info, sizeof info, nullptr) < 0
+        || !info.PebBaseAddress)
         return -1;
     const bool wine = runningOnWine();
-    const size_t tableOffset = sizeof(void*) == 8 ? 0xF8 : 0x94;
     const size_t pointerSize = wine ? 8 : sizeof(void*);
-    const size_t entrySize = pointerSize * 2 + 8;
     const uint8_t* table = nullptr;
-    std::memcpy(&table, peb + tableOffset, sizeof table);
+    std::memcpy(&table, reinterpret_cast<const uint8_t*>(info.PebBaseAddress) + (sizeof(void*) == 8 ? 0xF8 : 0x94),
+                sizeof table);
     if (!table)
         return -1;
     const uint16_t owner = wine ? 0 : static_cast<uint16_t>(GetCurrentProcessId());
     int count = 0;
     for (size_t i = 0; i < 0x10000; ++i) {
-        const uint8_t* entry = table + i * entrySize + pointerSize;
+        const uint8_t* entry = table + i * (pointerSize * 2 + 8) + pointerSize;
         uint16_t processId, upper;
         std::memcpy(&processId, entry, 2);
         std::memcpy(&upper, entry + 4, 2);
-        const uint8_t type = entry[6];
-        if (type != 0 && (upper & 0x80) == 0 && processId == owner)
+        if (entry[6] != 0 && (upper & 0x80) == 0 && processId == owner)
             ++count;
     }
     return count;
 }
 
-// SYSTEM_HANDLE_INFORMATION_EX (class 64) with full process ids.
-struct HandleEntryEx {
-    void* object;
-    ULONG_PTR processId;
-    ULONG_PTR handleValue;
-    ULONG grantedAccess;
-    USHORT creatorBackTraceIndex;
-    USHORT objectTypeIndex;
-    ULONG attributes;
-    ULONG reserved;
-};
-struct HandleInformationEx {
-    ULONG_PTR count;
-    ULONG_PTR reserved;
-    HandleEntryEx entries[1];
-};
-
-using QuerySystemInformation = NTSTATUS(NTAPI*)(ULONG, void*, ULONG, ULONG*);
-constexpr ULONG kSystemExtendedHandleInformation = 64;
-constexpr NTSTATUS kInfoLengthMismatch = static_cast<NTSTATUS>(0xC0000004);
-
-BOOL CALLBACK countChild(HWND, LPARAM counter)
-{
-    ++*reinterpret_cast<int*>(counter);
-    return TRUE;
-}
-
-// The system gives each thread with windows a default IME window; it is not the
-// program's own and comes and goes with the thread's first and last window.
-bool isSystemImeWindow(HWND window)
-{
-    wchar_t name[32] = {};
-    GetClassNameW(window, name, 32);
-    return wcscmp(name, L"IME") == 0 || wcscmp(name, L"MSCTFIME UI") == 0;
-}
-
-void countWithChildren(HWND window, int& count)
-{
-    if (isSystemImeWindow(window))
-        return;
-    ++count;
-    EnumChildWindows(window, countChild, reinterpret_cast<LPARAM>(&count));
-}
-
-BOOL CALLBACK countTopLevel(HWND window, LPARAM counter)
-{
-    DWORD processId = 0;
-    GetWindowThreadProcessId(window, &processId);
-    if (processId == GetCurrentProcessId())
-        countWithChildren(window, *reinterpret_cast<int*>(counter));
-    return TRUE;
-}
-
-} // namespace
-
-int countGdiObjects()
-{
-    return countGdiObjectsInTable();
-}
-
+// From SYSTEM_HANDLE_INFORMATION_EX (class 64), which has full process ids.
 int countKernelHandles()
 {
-    auto query = reinterpret_cast<QuerySystemInformation>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    if (!query)
-        return -1;
+    struct Entry {
+        void* object;
+        ULONG_PTR processId;
+        ULONG_PTR handleValue;
+        ULONG grantedAccess;
+        USHORT creatorBackTraceIndex;
+        USHORT objectTypeIndex;
+        ULONG attributes;
+        ULONG reserved;
+    };
+    struct Information {
+        ULONG_PTR count;
+        ULONG_PTR reserved;
+        Entry entries[1];
+    };
+    using Query = NTSTATUS(NTAPI*)(ULONG, void*, ULONG, ULONG*);
+    const auto query = ntdll<Query>("NtQuerySystemInformation");
     std::vector<uint8_t> buffer(1 << 20);
-    for (int attempt = 0; attempt < 8; ++attempt) {
+    for (int attempt = 0; query && attempt < 8; ++attempt) {
         ULONG needed = 0;
-        const NTSTATUS status =
-            query(kSystemExtendedHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), &needed);
-        if (status == kInfoLengthMismatch) {
+        const NTSTATUS status = query(64, buffer.data(), static_cast<ULONG>(buffer.size()), &needed);
+        if (status == static_cast<NTSTATUS>(0xC0000004)) { // the buffer is too small
             buffer.resize(std::max<size_t>(buffer.size() * 2, needed + 4096));
             continue;
         }
         if (status < 0)
             return -1;
-        const auto* info = reinterpret_cast<const HandleInformationEx*>(buffer.data());
+        const auto* info = reinterpret_cast<const Information*>(buffer.data());
         int count = 0;
         for (ULONG_PTR i = 0; i < info->count; ++i)
             count += info->entries[i].processId == GetCurrentProcessId() ? 1 : 0;
@@ -141,19 +90,38 @@ int countKernelHandles()
     return -1;
 }
 
+BOOL CALLBACK countOne(HWND, LPARAM counter)
+{
+    ++*reinterpret_cast<int*>(counter);
+    return TRUE;
+}
+
+// Counts `window` and its descendants if it is this process's. The system gives each
+// thread with windows a default IME window that comes and goes with the thread's first and
+// last window; it is not the program's own.
+BOOL CALLBACK countIfOurs(HWND window, LPARAM counter)
+{
+    DWORD processId = 0;
+    GetWindowThreadProcessId(window, &processId);
+    const std::wstring name = windowClass(window);
+    if (processId != GetCurrentProcessId() || name == L"IME" || name == L"MSCTFIME UI")
+        return TRUE;
+    countOne(window, counter);
+    EnumChildWindows(window, countOne, counter);
+    return TRUE;
+}
+
 int countWindows()
 {
     int count = 0;
-    EnumWindows(countTopLevel, reinterpret_cast<LPARAM>(&count));
+    EnumWindows(countIfOurs, reinterpret_cast<LPARAM>(&count));
     for (HWND window = FindWindowExW(HWND_MESSAGE, nullptr, nullptr, nullptr); window;
-         window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr)) {
-        DWORD processId = 0;
-        GetWindowThreadProcessId(window, &processId);
-        if (processId == GetCurrentProcessId())
-            countWithChildren(window, count);
-    }
+         window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr))
+        countIfOurs(window, reinterpret_cast<LPARAM>(&count));
     return count;
 }
+
+} // namespace
 
 ResourceCounts countResources()
 {

@@ -14,23 +14,7 @@
 namespace {
 
 int scratchCounter = 0;
-
-ZString environmentVariable(const wchar_t* name)
-{
-    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);
-    if (size == 0)
-        return ZString();
-    std::vector<wchar_t> buffer(size);
-    GetEnvironmentVariableW(name, buffer.data(), size);
-    return ZString(buffer.data());
-}
-
-ZString realTempFolder()
-{
-    wchar_t path[MAX_PATH + 1] = {};
-    GetTempPathW(MAX_PATH + 1, path);
-    return ZString(path);
-}
+const wchar_t* const kTempVariables[2] = {L"TMP", L"TEMP"};
 
 std::filesystem::path fsPath(const ZString& path)
 {
@@ -42,16 +26,18 @@ std::filesystem::path fsPath(const ZString& path)
 ScratchEnvironment::ScratchEnvironment()
 {
     const ZString unique = ZString::format(L"%lu-%d-%lu", GetCurrentProcessId(), ++scratchCounter, GetTickCount());
+    wchar_t realTemp[MAX_PATH + 1] = {};
+    GetTempPathW(MAX_PATH + 1, realTemp);
     registryKey_ = L"Software\\PryxaTests\\" + unique;
-    folder_ = realTempFolder() + L"pryxa-tests\\" + unique;
+    folder_ = realTemp + (L"pryxa-tests\\" + unique);
     tempFolder_ = folder_ + L"\\temp";
     std::filesystem::create_directories(fsPath(tempFolder_));
-
-    savedTmp_ = environmentVariable(L"TMP");
-    savedTemp_ = environmentVariable(L"TEMP");
-    SetEnvironmentVariableW(L"TMP", tempFolder_.c_str());
-    SetEnvironmentVariableW(L"TEMP", tempFolder_.c_str());
-
+    for (int i = 0; i < 2; ++i) {
+        std::vector<wchar_t> value(GetEnvironmentVariableW(kTempVariables[i], nullptr, 0) + 1);
+        GetEnvironmentVariableW(kTempVariables[i], value.data(), static_cast<DWORD>(value.size()));
+        saved_[i] = value.data();
+        SetEnvironmentVariableW(kTempVariables[i], tempFolder_.c_str());
+    }
     settings_redirect(registryKey_);
     lang_setFolder(shippedLanguageFolder());
 }
@@ -60,8 +46,8 @@ ScratchEnvironment::~ScratchEnvironment()
 {
     lang_setFolder(ZString());
     settings_redirect(ZString());
-    SetEnvironmentVariableW(L"TMP", savedTmp_.isEmpty() ? nullptr : savedTmp_.c_str());
-    SetEnvironmentVariableW(L"TEMP", savedTemp_.isEmpty() ? nullptr : savedTemp_.c_str());
+    for (int i = 0; i < 2; ++i)
+        SetEnvironmentVariableW(kTempVariables[i], saved_[i].isEmpty() ? nullptr : saved_[i].c_str());
     RegistryKey::deleteTree(HKEY_CURRENT_USER, registryKey_);
     std::error_code ignored;
     std::filesystem::remove_all(fsPath(folder_), ignored);

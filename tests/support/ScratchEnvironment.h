@@ -1,9 +1,8 @@
 #pragma once
-// Points the module and its companions at scratch places for one test: configuration in
-// a fresh registry key, temporary files in a fresh folder (TMP and TEMP), and language
-// files from the shipped folder unless a test chooses another. Everything is removed and
-// restored when the object goes, so that tests never touch the user's real values and do
-// not depend on each other's order.
+// Points the module and its companions at scratch places for one test: configuration in a
+// fresh registry key, temporary files in a fresh folder (TMP and TEMP), and language files
+// from the shipped folder unless a test chooses another. All is undone when the object
+// goes, so that tests never touch the user's values and do not depend on each other.
 
 #include "base/ZString.h"
 
@@ -17,11 +16,10 @@ public:
     // Below HKEY_CURRENT_USER; user values are in its "User" subkey, program values in "Program".
     const ZString& registryKey() const { return registryKey_; }
     const ZString& folder() const { return folder_; }
-    // What TMP and TEMP point at while the object lives.
+    // What TMP and TEMP point at.
     const ZString& tempFolder() const { return tempFolder_; }
     // The shipped language files beside the test program.
     static ZString shippedLanguageFolder();
-    // Reads language files from `folder` from now on.
     void useLanguageFolder(const ZString& folder);
     // Writes a UTF-8 file below folder() and returns its path.
     ZString writeFile(const ZString& relativePath, const std::string& utf8) const;
@@ -30,6 +28,5 @@ private:
     ZString registryKey_;
     ZString folder_;
     ZString tempFolder_;
-    ZString savedTmp_;
-    ZString savedTemp_;
+    ZString saved_[2]; // TMP, TEMP
 };

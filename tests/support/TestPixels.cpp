@@ -8,14 +8,14 @@ namespace {
 
 const wchar_t* const kTestWindowClass = L"PryxaTestWindow";
 
-void registerTestWindowClass(WNDPROC proc)
+std::vector<uint32_t> render(const PixelPattern& pattern, int width, int height)
 {
-    WNDCLASSW windowClass = {};
-    windowClass.lpfnWndProc = proc;
-    windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-    windowClass.lpszClassName = kTestWindowClass;
-    RegisterClassW(&windowClass); // once per process; later calls fail harmlessly
+    std::vector<uint32_t> pixels(static_cast<size_t>(width) * height);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x)
+            pixels[static_cast<size_t>(y) * width + x] = pattern(x, y);
+    }
+    return pixels;
 }
 
 } // namespace
@@ -56,7 +56,12 @@ TestWindow::TestWindow(const RECT& clientArea, PixelPattern pattern, const std::
     : pattern_(std::move(pattern)), width_(clientArea.right - clientArea.left),
       height_(clientArea.bottom - clientArea.top)
 {
-    registerTestWindowClass(windowProc);
+    WNDCLASSW windowClass = {};
+    windowClass.lpfnWndProc = windowProc;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    windowClass.lpszClassName = kTestWindowClass;
+    RegisterClassW(&windowClass); // fails harmlessly after the first time
     RECT outer = clientArea;
     AdjustWindowRectEx(&outer, style, FALSE, 0);
     window_ = CreateWindowExW(0, kTestWindowClass, title.c_str(), style, outer.left, outer.top,
@@ -80,23 +85,8 @@ bool TestWindow::showAndWait(DWORD timeoutMs)
     ClientToScreen(window_, &origin);
     const RECT area = {origin.x, origin.y, origin.x + width_, origin.y + height_};
     // The whole pattern, not a sample of it: a sample can match what was there before.
-    std::vector<uint32_t> expected(static_cast<size_t>(width_) * height_);
-    for (int y = 0; y < height_; ++y) {
-        for (int x = 0; x < width_; ++x)
-            expected[static_cast<size_t>(y) * width_ + x] = pattern_(x, y);
-    }
+    const std::vector<uint32_t> expected = render(pattern_, width_, height_);
     return pumpUntil([&] { return readScreenPixels(area).pixels == expected; }, timeoutMs);
-}
-
-void TestWindow::paint(HDC dc)
-{
-    std::vector<uint32_t> pixels(static_cast<size_t>(width_) * height_);
-    for (int y = 0; y < height_; ++y) {
-        for (int x = 0; x < width_; ++x)
-            pixels[static_cast<size_t>(y) * width_ + x] = pattern_(x, y);
-    }
-    BITMAPINFO info = topDownDibHeader(width_, height_, 32);
-    SetDIBitsToDevice(dc, 0, 0, width_, height_, 0, 0, 0, height_, pixels.data(), &info, DIB_RGB_COLORS);
 }
 
 LRESULT CALLBACK TestWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -109,7 +99,10 @@ LRESULT CALLBACK TestWindow::windowProc(HWND window, UINT message, WPARAM wParam
     if (message == WM_PAINT && self) {
         PAINTSTRUCT paint;
         HDC dc = BeginPaint(window, &paint);
-        self->paint(dc);
+        const std::vector<uint32_t> pixels = render(self->pattern_, self->width_, self->height_);
+        BITMAPINFO info = topDownDibHeader(self->width_, self->height_, 32);
+        SetDIBitsToDevice(dc, 0, 0, self->width_, self->height_, 0, 0, 0, self->height_, pixels.data(), &info,
+                          DIB_RGB_COLORS);
         EndPaint(window, &paint);
         return 0;
     }

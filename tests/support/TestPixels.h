@@ -33,8 +33,7 @@ using PixelPattern = std::function<uint32_t(int x, int y)>;
 // creating thread, which must pump messages for it to paint (see pumpMessages).
 class TestWindow {
 public:
-    // `clientArea` in screen coordinates; `style` WS_POPUP gives a frameless window whose
-    // client area is the whole window.
+    // `clientArea` in screen coordinates.
     TestWindow(const RECT& clientArea, PixelPattern pattern, const std::wstring& title = L"Pryxa test window",
                DWORD style = WS_POPUP);
     ~TestWindow();
@@ -47,7 +46,6 @@ public:
 
 private:
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    void paint(HDC dc);
 
     HWND window_ = nullptr;
     PixelPattern pattern_;

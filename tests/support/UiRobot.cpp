@@ -1,7 +1,5 @@
 #include "tests/support/UiRobot.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr DWORD kPollMs = 20;
@@ -14,57 +12,36 @@ std::string narrow(const std::wstring& text)
     return out;
 }
 
-BOOL CALLBACK collectVisible(HWND window, LPARAM list)
+// The windows that EnumChildWindows hands out, or EnumWindows for no parent.
+std::vector<HWND> enumerate(HWND parent)
 {
-    DWORD processId = 0;
-    GetWindowThreadProcessId(window, &processId);
-    if (processId == GetCurrentProcessId() && IsWindowVisible(window))
+    std::vector<HWND> windows;
+    const WNDENUMPROC add = [](HWND window, LPARAM list) -> BOOL {
         reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-    return TRUE;
-}
-
-struct DescendantQuery {
-    std::wstring className;
-    int controlId;
-    HWND found;
-};
-
-BOOL CALLBACK matchDescendant(HWND window, LPARAM query)
-{
-    auto* q = reinterpret_cast<DescendantQuery*>(query);
-    if ((q->className.empty() || _wcsicmp(windowClass(window).c_str(), q->className.c_str()) == 0)
-        && (q->controlId < 0 || GetDlgCtrlID(window) == q->controlId)) {
-        q->found = window;
-        return FALSE;
-    }
-    return TRUE;
+        return TRUE;
+    };
+    if (parent)
+        EnumChildWindows(parent, add, reinterpret_cast<LPARAM>(&windows));
+    else
+        EnumWindows(add, reinterpret_cast<LPARAM>(&windows));
+    return windows;
 }
 
 // The box's icon is a static control showing one of the system's shared icons. Its id
 // differs between Windows (20) and Wine, so it is found by its style.
-HWND iconControl(HWND box)
-{
-    for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        if (_wcsicmp(windowClass(child).c_str(), L"Static") == 0
-            && (GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) == SS_ICON)
-            return child;
-    }
-    return nullptr;
-}
-
 UINT iconKind(HWND box)
 {
-    HWND control = iconControl(box);
-    if (!control)
+    for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        if (_wcsicmp(windowClass(child).c_str(), L"Static") != 0
+            || (GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) != SS_ICON)
+            continue;
+        const auto icon = reinterpret_cast<HICON>(SendMessageW(child, STM_GETICON, 0, 0));
+        for (const auto& [id, kind] : {std::pair{IDI_HAND, MB_ICONERROR}, {IDI_EXCLAMATION, MB_ICONWARNING},
+                                       {IDI_ASTERISK, MB_ICONINFORMATION}, {IDI_QUESTION, MB_ICONQUESTION}}) {
+            if (icon && icon == LoadIconW(nullptr, id))
+                return kind;
+        }
         return 0;
-    const auto icon = reinterpret_cast<HICON>(SendMessageW(control, STM_GETICON, 0, 0));
-    const std::pair<LPCWSTR, UINT> kinds[] = {{IDI_HAND, MB_ICONERROR},
-                                              {IDI_EXCLAMATION, MB_ICONWARNING},
-                                              {IDI_ASTERISK, MB_ICONINFORMATION},
-                                              {IDI_QUESTION, MB_ICONQUESTION}};
-    for (const auto& [id, kind] : kinds) {
-        if (icon && icon == LoadIconW(nullptr, id))
-            return kind;
     }
     return 0;
 }
@@ -160,9 +137,12 @@ void pressButton(HWND dialog, int controlId)
 
 HWND findDescendant(HWND parent, const std::wstring& className, int controlId)
 {
-    DescendantQuery query{className, controlId, nullptr};
-    EnumChildWindows(parent, matchDescendant, reinterpret_cast<LPARAM>(&query));
-    return query.found;
+    for (HWND window : enumerate(parent)) {
+        if ((className.empty() || _wcsicmp(windowClass(window).c_str(), className.c_str()) == 0)
+            && (controlId < 0 || GetDlgCtrlID(window) == controlId))
+            return window;
+    }
+    return nullptr;
 }
 
 void typeText(HWND edit, const std::wstring& text)
@@ -190,7 +170,12 @@ std::wstring windowClass(HWND window)
 std::vector<HWND> processWindows()
 {
     std::vector<HWND> windows;
-    EnumWindows(collectVisible, reinterpret_cast<LPARAM>(&windows));
+    for (HWND window : enumerate(nullptr)) {
+        DWORD processId = 0;
+        GetWindowThreadProcessId(window, &processId);
+        if (processId == GetCurrentProcessId() && IsWindowVisible(window))
+            windows.push_back(window);
+    }
     return windows;
 }
 

@@ -1,18 +1,9 @@
 #pragma once
-// A robot that acts as the user while the test's own thread sits in a modal call
-// (a message box, the save dialog, a modal loop). Its script runs on a background thread:
-// it waits for a top-level window of this process, reads it and presses its buttons.
-//
-//   UiRobot robot([](UiRobot& r) {
-//       HWND box = r.waitForWindow(L"#32770", L"Error");
-//       EXPECT_EQ(readMessageBox(box).text, L"...");
-//       pressButton(box, IDOK);
-//   });
-//   codeThatShowsTheBox();
-//   EXPECT_EQ(robot.finish(), "");
-//
-// A wait that times out fails the script; the robot then closes the process's visible
-// top-level windows, so that the modal call returns and the test fails instead of hanging.
+// A robot that acts as the user while the test's own thread sits in a modal call (a message
+// box, the save dialog, a modal loop). Its script runs on a background thread: it waits for
+// a top-level window of this process, reads it and presses its buttons. A wait that times
+// out fails the script; the robot then closes the process's visible top-level windows, so
+// that the modal call returns and the test fails instead of hanging.
 
 #include <windows.h>
 
