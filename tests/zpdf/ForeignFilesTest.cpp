@@ -1,6 +1,6 @@
 // Files made by other producers on this machine, read and written again, must look to qpdf
 // exactly like the originals: every object, stream data included.
-#include "WrittenDocument.h"
+#include "TestSupport.h"
 
 #include "zpdf/BufferWriter.h"
 #include "zpdf/PdfFile.h"

@@ -1,18 +1,22 @@
-#include "WrittenDocument.h"
+// Objects: serialisation, comparison, copies, ownership, references; streams and filters.
+#include "TestSupport.h"
 
 #include "zpdf/Array.h"
 #include "zpdf/Bool.h"
 #include "zpdf/BufferWriter.h"
+#include "zpdf/Flate.h"
 #include "zpdf/Marker.h"
 #include "zpdf/Names.h"
 #include "zpdf/Null.h"
 #include "zpdf/Number.h"
+#include "zpdf/Stream.h"
 #include "zpdf/String.h"
 
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <functional>
+#include <thread>
+#include <vector>
 
 using namespace zpdf;
 using zpdfTest::errorOf;
@@ -40,7 +44,7 @@ TEST(Object, Serialisation)
         Ptr<Object> object;
         const char* text;
     } cases[] = {
-        {make<Number>(1), "1"}, {make<Number>(-17), "-17"}, {make<Number>(std::int64_t{3000000000}), "3000000000"},
+        {make<Number>(-17), "-17"}, {make<Number>(std::int64_t{3000000000}), "3000000000"},
         {make<Number>(1.5), "1.5"}, {make<Number>(2.0), "2.0"}, {make<Number>(-0.25), "-0.25"},
         {make<Number>(0.1), "0.1"}, {make<Number>(612.123456789), "612.123457"}, {make<Number>(0.0000001), "0.0"},
         {make<Number>(0.000001), "0.000001"}, {make<Number>(-0.0), "-0.0"}, {make<Number>(1e15), "1000000000000000.0"},
@@ -91,62 +95,124 @@ TEST(Object, DictKeyOrderAndArrayIndexChecks)
     EXPECT_EQ(written(*dict), "<<\r\n/\xC3x 1\r\n/A true\r\n/Type 1\r\n/TypeX 1\r\n/a 1\r\n>>");
 
     Ptr<Array> array = arrayOf({make<Null>(), names::Type()});
-    for (const auto& action : {std::function<void()>([] { make<Array>()->at(0); }), std::function<void()>([&] { array->at(-1); }),
-                               std::function<void()>([] { make<Array>()->set(0, make<Null>()); })})
-        EXPECT_EQ(errorOf(action), "Index not in array range");
+    EXPECT_EQ(errorOf([] { make<Array>()->at(0); }), "Index not in array range");
+    EXPECT_EQ(errorOf([&] { array->at(-1); }), "Index not in array range");
+    EXPECT_EQ(errorOf([] { make<Array>()->set(0, make<Null>()); }), "Index not in array range");
     array->remove(0);
     EXPECT_EQ(written(*array), "[/Type]");
 }
 
-TEST(Object, EqualityRules)
-{
-    EXPECT_TRUE(make<Number>(3)->equals(make<Number>(3.0).get()));
-    EXPECT_FALSE(make<Number>(3)->equals(make<Number>(3.5).get()));
-    EXPECT_FALSE(make<Number>(3)->equals(make<String>("3", StringMode::literal).get()));
-    EXPECT_FALSE(make<String>("3", StringMode::literal)->equals(make<Number>(3).get()));
-    EXPECT_FALSE(make<Number>(3)->equals(nullptr));
-    EXPECT_FALSE(make<Reference>(4, 0)->equals(make<Reference>(4, 1).get()));
-    // Names compare by identity: only the shared objects are equal.
-    EXPECT_FALSE(make<Name>("Type")->equals(names::Type().get()));
-
-    // Deep compares contents; shallow compares the element objects.
-    Ptr<Array> a = arrayOf({make<Number>(1)});
-    Ptr<Array> b = arrayOf({make<Number>(1.0)});
-    EXPECT_TRUE(a->equals(b.get(), true));
-    EXPECT_FALSE(a->equals(b.get(), false));
-    b->set(0, Ptr<Object>(a->at(0)));
-    EXPECT_TRUE(a->equals(b.get(), false));
-    b->append(make<Null>());
-    EXPECT_FALSE(a->equals(b.get(), true));
-    Ptr<Dict> x = make<Dict>();
-    Ptr<Dict> y = make<Dict>();
-    x->set(names::Width(), make<Number>(2));
-    y->set(names::Width(), make<Number>(2));
-    EXPECT_TRUE(x->equals(y.get()));
-    y->set(names::Height(), make<Number>(2));
-    EXPECT_FALSE(x->equals(y.get()));
-}
-
-TEST(Object, CloneIsDeepButSharesPredefinedNames)
+TEST(Object, CloneIsDeepAndEqualityComparesContentsOrObjects)
 {
     Ptr<Stream> stream = make<Stream>("data");
     stream->dict()->set(names::Filter(), names::DCTDecode());
     Ptr<Dict> original = make<Dict>();
     original->set(names::Kids(), arrayOf({make<Number>(1)}));
     original->set(names::Contents(), stream);
+    Ptr<Dict> sharing = make<Dict>();
+    sharing->set(names::Kids(), Ptr<Object>(original->get(names::Kids())));
+    sharing->set(names::Contents(), stream);
+    EXPECT_TRUE(sharing->equals(original.get(), false)) << "shallow: the same value objects";
 
     const Ptr<Object> copy = original->clone();
     ASSERT_TRUE(copy->equals(original.get(), true));
-    copy->asDict()->get(names::Kids())->asArray()->append(make<Number>(2));
-    copy->asDict()->get(names::Contents())->asStream()->append("more");
+    EXPECT_FALSE(copy->equals(original.get(), false));
+    Dict* copied = copy->asDict();
+    EXPECT_EQ(copied->get(names::Contents())->asDict()->get(names::Filter()), names::DCTDecode().get());
+    copied->get(names::Kids())->asArray()->append(make<Number>(2));
+    copied->get(names::Contents())->asStream()->append("more");
     EXPECT_EQ(original->get(names::Kids())->asArray()->size(), 1);
     EXPECT_EQ(stream->data()->bytes(), "data");
-    EXPECT_EQ(copy->asDict()->get(names::Contents())->asDict()->get(names::Filter()), names::DCTDecode().get());
+    EXPECT_FALSE(copy->equals(original.get(), true));
+
+    EXPECT_TRUE(make<Number>(3)->equals(make<Number>(3.0).get()));
+    EXPECT_FALSE(make<Number>(3)->equals(make<Number>(3.5).get()));
+    EXPECT_FALSE(make<Number>(3)->equals(make<String>("3", StringMode::literal).get()));
+    EXPECT_FALSE(make<String>("3", StringMode::literal)->equals(make<Number>(3).get()));
+    EXPECT_FALSE(make<Number>(3)->equals(nullptr));
+    EXPECT_FALSE(make<Reference>(4, 0)->equals(make<Reference>(4, 1).get()));
+    EXPECT_FALSE(make<Name>("Type")->equals(names::Type().get())) << "names compare by identity";
     EXPECT_EQ(names::find("Type"), names::Type().get());
     EXPECT_EQ(names::find("NotPredefined"), nullptr);
 }
 
-TEST(Object, AccessThroughReferences)
+// A Null that counts its destructions.
+class Probe : public Null {
+public:
+    explicit Probe(int& destroyed) : destroyed_(destroyed) {}
+    ~Probe() override { ++destroyed_; }
+
+private:
+    int& destroyed_;
+};
+
+TEST(RefCount, LastOwnerDestroysAndContainersReleaseTheirElements)
+{
+    int destroyed = 0;
+    Ptr<Probe> shared = make<Probe>(destroyed);
+    {
+        Ptr<Array> array = arrayOf({make<Probe>(destroyed), shared, shared, arrayOf({make<Probe>(destroyed)})});
+        EXPECT_EQ(shared->refCount(), 3);
+        Ptr<Array> second = array;
+        second = nullptr;
+        EXPECT_EQ(destroyed, 0);
+    }
+    EXPECT_EQ(destroyed, 2) << "the unshared element and the nested one";
+    EXPECT_EQ(shared->refCount(), 1);
+
+    Ptr<Object> moved = Ptr<Object>(shared);
+    Ptr<Object> object = std::move(moved);
+    EXPECT_FALSE(moved);
+    Ptr<Object>& alias = object;
+    object = alias;
+    Ptr<Probe> again(shared.get()); // a borrowed pointer becomes an owner again
+    EXPECT_EQ(shared->refCount(), 3);
+    object = make<Null>();
+    again = nullptr;
+    EXPECT_EQ(shared->refCount(), 1);
+    shared = nullptr;
+    EXPECT_EQ(destroyed, 3);
+}
+
+TEST(RefCount, CopiesFromManyThreadsKeepCountsRight)
+{
+    Ptr<Array> array = arrayOf({make<Number>(1)});
+    const Ptr<Name> type = names::Type();
+    const std::int32_t typeCount = type->refCount();
+    std::vector<std::thread> workers;
+    for (int t = 0; t < 8; ++t) {
+        workers.emplace_back([&array, &type] {
+            std::vector<Ptr<Object>> held;
+            for (int i = 0; i < 100000; ++i) {
+                held.push_back(array);
+                held.push_back(type);
+                held.push_back(Ptr<Object>(array->at(0)));
+                if (held.size() >= 15)
+                    held.clear();
+            }
+        });
+    }
+    for (std::thread& worker : workers)
+        worker.join();
+    EXPECT_EQ(array->refCount(), 1);
+    EXPECT_EQ(array->at(0)->refCount(), 1);
+    EXPECT_EQ(type->refCount(), typeCount);
+}
+
+TEST(Document, NumbersOfAddedAndRemovedObjects)
+{
+    Document document;
+    document.put(3, 0, make<Number>(3));
+    document.put(7, 0, make<Number>(7));
+    EXPECT_EQ(document.add(make<Number>(8))->number(), 8u);
+    EXPECT_TRUE(document.remove(8));
+    EXPECT_TRUE(document.remove(7));
+    EXPECT_FALSE(document.remove(7));
+    EXPECT_EQ(document.highestNumber(), 3u);
+    EXPECT_EQ(document.add(make<Number>(4))->number(), 4u);
+}
+
+TEST(Document, ReferencesResolveWhileTheDocumentLives)
 {
     Ptr<Reference> outliving;
     Ptr<Number> number = make<Number>(8);
@@ -172,6 +238,122 @@ TEST(Object, AccessThroughReferences)
     }
     EXPECT_EQ(outliving->resolve(), nullptr) << "the document is gone";
     EXPECT_EQ(number->refCount(), 1) << "the document released its object";
+}
+
+std::string bytesOf(std::initializer_list<int> values)
+{
+    std::string bytes;
+    for (int value : values)
+        bytes.push_back(static_cast<char>(value));
+    return bytes;
+}
+
+Ptr<Dict> predictorParms(int predictor, int colors, int columns)
+{
+    Ptr<Dict> parms = make<Dict>();
+    parms->set(names::Predictor(), make<Number>(predictor));
+    parms->set(names::Colors(), make<Number>(colors));
+    parms->set(names::Columns(), make<Number>(columns));
+    return parms;
+}
+
+Ptr<Stream> streamWith(Ptr<Object> filter, Ptr<Object> parms, std::string data)
+{
+    Ptr<Stream> stream = make<Stream>(std::move(data));
+    stream->dict()->set(names::Filter(), std::move(filter));
+    stream->dict()->set(names::DecodeParms(), std::move(parms));
+    return stream;
+}
+
+TEST(Stream, CompressionRoundTrip)
+{
+    std::string original; // compressible, but not trivially
+    for (int i = 0; i < 20000; ++i)
+        original += std::to_string(i * 7919 % 10007) + ' ';
+    Ptr<Stream> stream = make<Stream>(original);
+    stream->dict()->set(names::DecodeParms(), predictorParms(12, 1, 4));
+    stream->compress();
+    EXPECT_EQ(stream->dict()->get(names::DecodeParms()), nullptr);
+    const std::string compressed = stream->data()->bytes();
+    ASSERT_LT(compressed.size(), original.size());
+    EXPECT_EQ(stream->decode(), original);
+    EXPECT_EQ(stream->data()->bytes(), compressed) << "decode leaves the stream alone";
+    // Writing brings Length up to the compressed size.
+    const std::string head = "<<\r\n/Filter /FlateDecode\r\n/Length " + std::to_string(compressed.size()) + "\r\n>>\r\n";
+    EXPECT_EQ(written(*stream).substr(0, head.size()), head);
+    stream->removeFilter();
+    EXPECT_EQ(stream->data()->bytes(), original);
+    EXPECT_EQ(stream->dict()->get(names::Filter()), nullptr);
+    EXPECT_EQ(flate::decompress(flate::compress("")), "");
+
+    // An image already compressed keeps its own filter.
+    Ptr<Stream> jpeg = streamWith(names::DCTDecode(), nullptr, "\xFF\xD8\xFF\xE0 jpeg");
+    jpeg->compress();
+    EXPECT_EQ(jpeg->data()->bytes(), "\xFF\xD8\xFF\xE0 jpeg");
+    EXPECT_EQ(jpeg->dict()->get(names::Filter()), names::DCTDecode().get());
+}
+
+TEST(Stream, PngPredictorsAreUndone)
+{
+    const struct {
+        int predictor, colors, columns;
+        std::string predicted;
+        std::string plain;
+    } cases[] = {
+        // One row of each type: sub, up, average, Paeth (with wrap-around), none.
+        {12, 1, 3, bytesOf({1, 1, 1, 1, 2, 1, 1, 1, 3, 2, 2, 2, 4, 1, 0, 255, 0, 9, 8, 7}),
+         bytesOf({1, 2, 3, 2, 3, 4, 3, 5, 6, 4, 5, 5, 9, 8, 7})},
+        // Three bytes a pixel: "left" is one pixel back.
+        {15, 3, 2, bytesOf({1, 10, 20, 30, 5, 5, 5, 4, 0, 0, 0, 250, 1, 2}),
+         bytesOf({10, 20, 30, 15, 25, 35, 10, 20, 30, 9, 26, 37})},
+        // A short last row is decoded as far as it goes.
+        {10, 1, 4, bytesOf({1, 1, 1, 1, 1, 2, 5, 5}), bytesOf({1, 2, 3, 4, 6, 7})},
+    };
+    for (const auto& c : cases) {
+        Ptr<Stream> stream = streamWith(names::FlateDecode(), predictorParms(c.predictor, c.colors, c.columns),
+                                        flate::compress(c.predicted));
+        EXPECT_EQ(stream->decode(), c.plain) << "Predictor " << c.predictor;
+        stream->removeFilter();
+        EXPECT_EQ(stream->data()->bytes(), c.plain);
+        EXPECT_EQ(stream->dict()->get(names::DecodeParms()), nullptr);
+    }
+}
+
+TEST(Stream, FilterArraysAreUndoneOneAtATime)
+{
+    const std::string predicted = bytesOf({0, 'a', 1, 'b', 0, 'c'});
+    Ptr<Stream> stream = streamWith(arrayOf({names::FlateDecode(), names::FlateDecode()}),
+                                    arrayOf({make<Null>(), predictorParms(11, 1, 1)}), flate::compress(flate::compress(predicted)));
+    EXPECT_EQ(stream->decode(), "abc");
+    stream->removeFilter();
+    EXPECT_EQ(stream->data()->bytes(), flate::compress(predicted));
+    EXPECT_EQ(stream->dict()->get(names::Filter())->asArray()->size(), 1);
+    EXPECT_EQ(stream->dict()->get(names::DecodeParms())->asArray()->size(), 1);
+    stream->removeFilter();
+    EXPECT_EQ(stream->data()->bytes(), "abc");
+    EXPECT_EQ(stream->dict()->get(names::Filter()), nullptr);
+    EXPECT_EQ(stream->dict()->get(names::DecodeParms()), nullptr);
+}
+
+TEST(Stream, DecodingFailures)
+{
+    const std::string good = flate::compress("some text to inflate");
+    const struct {
+        Ptr<Stream> stream;
+        const char* message;
+    } cases[] = {
+        {streamWith(names::FlateDecode(), predictorParms(2, 1, 1), good), "Predictor less than 10 not supported"},
+        {streamWith(make<Name>("LZWDecode"), nullptr, good), "Stream::decode: No suitable decoder available"},
+        {streamWith(names::FlateDecode(), nullptr, "not zlib at all"), "ZLib decompression error"},
+        {streamWith(names::FlateDecode(), nullptr, good.substr(0, good.size() - 6)), "ZLib decompression error"},
+        {streamWith(names::FlateDecode(), arrayOf({names::FlateDecode()}), good), "DecodeParms must be a dictionary"},
+        {streamWith(arrayOf({names::FlateDecode()}), make<Dict>(), good), "DecodeParms must be an array"},
+        {streamWith(make<Number>(1), nullptr, good), "removeFilter() - Filter value not valid"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(errorOf([&] { c.stream->removeFilter(); }), c.message);
+        EXPECT_EQ(errorOf([&] { c.stream->decode(); }), c.message);
+    }
 }
 
 } // namespace

@@ -1,30 +1,26 @@
-// Reading the structure of a file: cross-reference tables and streams, object streams,
-// incremental updates, lazy loading, encryption.
-#include "PdfBuilder.h"
-#include "WrittenDocument.h"
+// Reading files: cross-reference tables and streams, object streams, incremental updates,
+// lazy loading, repair of damaged files, refusal of what cannot be read.
+#include "TestSupport.h"
+#include "fuzz/FuzzTargets.h"
 
 #include "zpdf/Array.h"
 #include "zpdf/NameTable.h"
 #include "zpdf/Names.h"
 #include "zpdf/Number.h"
 #include "zpdf/PdfFile.h"
+#include "zpdf/Stream.h"
 #include "zpdf/String.h"
 #include "zpdf/XRefParser.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
 
 using namespace zpdf;
-using zpdfTest::errorOf;
-using zpdfTest::PdfBuilder;
+using namespace zpdfTest;
 
 namespace {
-
-const char* const catalog = "<</Type /Catalog /Pages 2 0 R>>";
-const char* const pages = "<</Type /Pages /Kids [3 0 R] /Count 1>>";
-
-std::string page(int width) { return "<</Type /Page /Parent 2 0 R /MediaBox [0 0 " + std::to_string(width) + " 792]>>"; }
 
 double pageWidth(PdfFile& file)
 {
@@ -34,11 +30,18 @@ double pageWidth(PdfFile& file)
     return object->value()->asDict()->get(names::MediaBox())->asArray()->at(2)->asNumber()->value();
 }
 
-std::string entryLine(std::size_t offset)
+std::string offsetField(std::size_t offset)
 {
-    char line[24];
-    std::snprintf(line, sizeof line, "%010zu 00000 n\r\n", offset);
-    return line;
+    char field[11];
+    std::snprintf(field, sizeof field, "%010zu", offset);
+    return field;
+}
+
+std::string replaced(std::string bytes, const std::string& what, const std::string& with)
+{
+    const std::size_t at = bytes.find(what);
+    EXPECT_NE(at, std::string::npos) << what;
+    return at == std::string::npos ? bytes : bytes.replace(at, what.size(), with);
 }
 
 // The error reading the chain of cross-reference sections from startxref on.
@@ -57,7 +60,7 @@ TEST(Reader, ClassicTableWithSubsectionsLoadsObjectsOnFirstUse)
     pdf.object(4, "[3 0 R 3 0 R]");
     pdf.object(7, "(seven)");
     pdf.table("/Root 1 0 R");
-    PdfFile file(pdf.bytes());
+    PdfFile file(pdf.bytes);
     EXPECT_FALSE(file.wasRepaired());
     EXPECT_EQ(file.version(), "1.7");
     EXPECT_EQ(file.highestNumber(), 7u);
@@ -81,7 +84,7 @@ TEST(Reader, CrossReferenceStreamsWithObjectStreams)
         pdf.object(1, catalog);
         pdf.objectStream(4, {{2, pages}, {3, page(595)}, {6, "[1 2.5 (x)]"}}, compressed);
         pdf.xrefStream(5, "/Root 1 0 R", compressed);
-        PdfFile file(pdf.bytes());
+        PdfFile file(pdf.bytes);
         file.loadAllObjects();
         EXPECT_FALSE(file.wasRepaired());
         EXPECT_EQ(file.objects().count(), 4u) << "the object stream and the cross-reference stream are structure";
@@ -97,12 +100,12 @@ TEST(Reader, HybridFileTakesCompressedObjectsFromItsStream)
     const std::size_t one = pdf.object(1, catalog);
     const std::size_t four = pdf.objectStream(4, {{2, pages}, {3, page(500)}});
     const std::size_t stream = pdf.xrefStream(5, "");
-    const std::size_t table = pdf.bytes().size();
+    const std::size_t table = pdf.bytes.size();
     // Objects 2 and 3 are free in the table; the stream named by XRefStm has them.
-    pdf.raw("xref\n0 6\n0000000000 65535 f\r\n" + entryLine(one) + "0000000000 00000 f\r\n0000000000 00000 f\r\n"
-            + entryLine(four) + entryLine(stream) + "trailer\n<</Size 6 /Root 1 0 R /XRefStm " + std::to_string(stream)
-            + ">>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n");
-    PdfFile file(pdf.bytes());
+    pdf.bytes += "xref\n0 6\n0000000000 65535 f\r\n" + offsetField(one) + " 00000 n\r\n0000000000 00000 f\r\n0000000000 00000 f\r\n"
+                 + offsetField(four) + " 00000 n\r\n" + offsetField(stream) + " 00000 n\r\ntrailer\n<</Size 6 /Root 1 0 R /XRefStm "
+                 + std::to_string(stream) + ">>\nstartxref\n" + std::to_string(table) + "\n%%EOF\n";
+    PdfFile file(pdf.bytes);
     file.loadAllObjects();
     EXPECT_FALSE(file.wasRepaired());
     EXPECT_EQ(pageWidth(file), 500);
@@ -116,10 +119,10 @@ TEST(Reader, IncrementalUpdatesReplaceObjectsThroughPrev)
     pdf.table("/Root 1 0 R");
     pdf.object(3, page(300));
     pdf.object(8, "(added)");
-    pdf.xrefStream(9, "/Root 1 0 R /Prev " + std::to_string(pdf.lastSection()));
+    pdf.xrefStream(9, "/Root 1 0 R /Prev " + std::to_string(pdf.lastSection));
     pdf.object(8, "(changed again)");
-    pdf.table("/Root 1 0 R /Prev " + std::to_string(pdf.lastSection()));
-    PdfFile file(pdf.bytes());
+    pdf.table("/Root 1 0 R /Prev " + std::to_string(pdf.lastSection));
+    PdfFile file(pdf.bytes);
     file.loadAllObjects();
     EXPECT_FALSE(file.wasRepaired());
     EXPECT_EQ(pageWidth(file), 300);
@@ -132,9 +135,8 @@ TEST(Reader, LoopInThePrevChainIsDetectedAndRepaired)
     PdfBuilder pdf;
     pdf.pageTree();
     const std::size_t first = pdf.table("/Root 1 0 R /Prev 0");
-    std::string bytes = pdf.bytes();
     // The only section names itself as the one before it.
-    bytes.replace(bytes.find("/Prev 0"), 7, "/Prev " + std::to_string(first));
+    const std::string bytes = replaced(pdf.bytes, "/Prev 0", "/Prev " + std::to_string(first));
     EXPECT_EQ(chainError(bytes), "Loop in the chain of cross-reference sections at offset " + std::to_string(first));
     PdfFile file(bytes);
     EXPECT_TRUE(file.wasRepaired());
@@ -162,23 +164,130 @@ TEST(Reader, DeclaredCountsLargerThanTheFileAreErrors)
     pdf.pageTree();
     const std::size_t stream = pdf.objectStream(8, {{6, "(x)"}}, false);
     pdf.xrefStream(9, "/Root 1 0 R");
-    std::string bytes = pdf.bytes();
-    bytes.replace(bytes.find("/N 1 "), 5, "/N 9 "); // same length, so every offset stays right
-    PdfFile file(bytes);
+    PdfFile file(replaced(pdf.bytes, "/N 1 ", "/N 9 ")); // same length, so every offset stays right
     EXPECT_EQ(errorOf([&] { file.object(6); }), "Object stream declares more than it holds at offset " + std::to_string(stream));
     EXPECT_EQ(file.object(6), nullptr) << "a failed object stays absent";
 }
 
-TEST(Reader, EncryptedAndNonPdfFilesAreRefused)
+TEST(Reader, RefusedFilesGiveClearErrors)
 {
     PdfBuilder pdf;
     pdf.pageTree();
     pdf.object(4, "<</Filter /Standard /V 2 /R 3 /O <00> /U <00> /P -4>>");
     pdf.table("/Root 1 0 R /Encrypt 4 0 R");
-    EXPECT_THROW(PdfFile{pdf.bytes()}, UnsupportedException);
-    EXPECT_EQ(errorOf([&] { PdfFile file(pdf.bytes()); }), "Encrypted PDF files are not supported");
-    for (const char* bytes : {"", "hello world", "%PDX-1.4\n1 0 obj <<>> endobj"})
-        EXPECT_EQ(errorOf([&] { PdfFile file(bytes); }), "Not a PDF file: no \"%PDF-\" header") << bytes;
+    EXPECT_THROW(PdfFile{pdf.bytes}, UnsupportedException);
+    const std::pair<std::string, const char*> cases[] = {
+        {pdf.bytes, "Encrypted PDF files are not supported"},
+        {"", "Not a PDF file: no \"%PDF-\" header"},
+        {"%PDX-1.4\n1 0 obj <<>> endobj", "Not a PDF file: no \"%PDF-\" header"},
+        {"%PDF-1.4\n1 0 obj (no catalog) endobj\n", "Damaged file: neither a trailer nor a document catalog found"},
+        {"%PDF-1.4\ntrailer <</Root 7 0 R>>\n", "Damaged file: the document catalog cannot be read"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(errorOf([&] { PdfFile file(c.first); }), c.second);
+}
+
+// Catalog, page tree, one page whose contents stream has its Length in object 5.
+struct Good {
+    PdfBuilder pdf;
+    std::size_t contentsAt;
+    std::size_t xrefAt;
+    Good()
+    {
+        pdf.pageTree(612, " /Contents 4 0 R");
+        contentsAt = pdf.object(4, "<</Length 5 0 R>>\nstream\n0 0 m 100 100 l S\nendstream");
+        pdf.object(5, "17");
+        xrefAt = pdf.table("/Root 1 0 R");
+    }
+};
+
+TEST(DamagedFile, RepairedAndReadInFull)
+{
+    const Good good;
+    const std::string& bytes = good.pdf.bytes;
+    const std::string startxref = "startxref\n" + std::to_string(good.xrefAt);
+    const std::string comment = "% a comment that moves every object\n";
+    const struct {
+        const char* name;
+        std::string bytes;
+        bool repaired; // the whole cross-reference data had to be rebuilt
+    } cases[] = {
+        {"no cross-reference data at all", bytes.substr(0, good.xrefAt), true},
+        {"startxref points elsewhere", replaced(bytes, startxref, "startxref\n" + std::to_string(good.xrefAt - 40)), true},
+        {"startxref beyond the end", replaced(bytes, startxref, "startxref\n99999999"), true},
+        // Each object is found by the scan when it is not at its offset.
+        {"every offset in the table shifted",
+         replaced(replaced(bytes, "1 0 obj", comment + "1 0 obj"), startxref,
+                  "startxref\n" + std::to_string(good.xrefAt + comment.size())),
+         false},
+        {"the contents stream's offset wrong", replaced(bytes, offsetField(good.contentsAt), offsetField(good.contentsAt + 3)),
+         false},
+        {"the stream's Length too short", replaced(bytes, "5 0 obj\n17\n", "5 0 obj\n12\n"), false},
+        {"the stream's Length too long", replaced(bytes, "5 0 obj\n17\n", "5 0 obj\n99\n"), false},
+        {"garbage before the header", "garbage line\n" + bytes, true},
+        {"a broken trailer", replaced(bytes, "trailer\n<<", "trailer\n[["), true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        PdfFile file(c.bytes);
+        EXPECT_EQ(file.wasRepaired(), c.repaired);
+        file.loadAllObjects();
+        EXPECT_EQ(file.objects().count(), 5u);
+        Object* page = file.pages()->get(names::Kids())->asArray()->at(0);
+        EXPECT_EQ(page->asDict()->get(names::Contents())->asStream()->data()->bytes(), "0 0 m 100 100 l S");
+    }
+
+    // Cut inside the contents stream: the page tree survives, the stream does not.
+    PdfFile file(bytes.substr(0, good.contentsAt + 40));
+    EXPECT_TRUE(file.wasRepaired());
+    EXPECT_EQ(file.pages()->get(names::Count())->asNumber()->value(), 1);
+    EXPECT_EQ(errorOf([&] { file.loadAllObjects(); }),
+              "Stream without \"endstream\" at offset " + std::to_string(good.contentsAt + 26));
+}
+
+TEST(DamagedFile, LengthChainsAndManyUnendedStreamsStayBounded)
+{
+    PdfBuilder chain;
+    chain.pageTree();
+    chain.object(4, "<</Length 4 0 R>>\nstream\nabc\nendstream");
+    // Each stream's Length is the next stream, far deeper than loading may nest.
+    for (std::uint32_t n = 10; n < 200; ++n)
+        chain.object(n, "<</Length " + std::to_string(n + 1) + " 0 R>>\nstream\nxy\nendstream");
+    chain.object(200, "2");
+    chain.table("/Root 1 0 R");
+    PdfFile file(chain.bytes);
+    file.loadAllObjects();
+    EXPECT_EQ(file.object(4)->value()->asStream()->data()->bytes(), "abc");
+    EXPECT_EQ(file.object(10)->value()->asStream()->data()->bytes(), "xy");
+    EXPECT_EQ(file.object(199)->value()->asStream()->data()->bytes(), "xy");
+
+    // Each stream's data would run to the end of the file; read naively, that is quadratic
+    // (some 10^11 steps, beyond the test's time limit). Each object is read up to the next.
+    std::string bytes = "%PDF-1.4\n1 0 obj <</Type /Catalog /Pages 2 0 R>> endobj\n2 0 obj <</Type /Pages /Kids [] /Count 0>> endobj\n";
+    for (int n = 3; n < 60000; ++n)
+        bytes += std::to_string(n) + " 0 obj <</Length 99999999>> stream\n0 0 m 10 10 l S\n";
+    PdfFile unended(bytes + "trailer <</Root 1 0 R>>\n");
+    EXPECT_TRUE(unended.wasRepaired());
+    EXPECT_THROW(unended.loadAllObjects(), PdfException);
+    EXPECT_EQ(unended.pages()->get(names::Count())->asNumber()->value(), 0);
+}
+
+// The fuzzer's seed corpus and every input that ever made it fail.
+TEST(FuzzReplay, SeedCorpusAndFoundFailures)
+{
+    int seeds = 0;
+    for (const char* kind : {"corpus", "regressions"}) {
+        const std::filesystem::path folder = std::filesystem::path(ZPDF_FUZZ_DIR) / kind / "open";
+        if (!std::filesystem::exists(folder)) // git keeps no empty folder
+            continue;
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            const std::string bytes = readFile(entry.path().string());
+            EXPECT_TRUE(zpdffuzz::openAndLoad(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()))
+                << entry.path().string();
+            seeds += kind[0] == 'c';
+        }
+    }
+    EXPECT_GE(seeds, 7);
 }
 
 } // namespace

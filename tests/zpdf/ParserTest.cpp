@@ -1,0 +1,204 @@
+// The tokenizer and the object parser on well-formed and malformed text.
+#include "TestSupport.h"
+
+#include "zpdf/Array.h"
+#include "zpdf/BufferWriter.h"
+#include "zpdf/IndirectTable.h"
+#include "zpdf/Names.h"
+#include "zpdf/Number.h"
+#include "zpdf/ObjectParser.h"
+#include "zpdf/Stream.h"
+#include "zpdf/Tokenizer.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using namespace zpdf;
+using zpdfTest::errorOf;
+
+namespace {
+
+struct Lexed {
+    TokenKind kind;
+    std::string text;
+};
+
+bool operator==(const Lexed& a, const Lexed& b) { return a.kind == b.kind && a.text == b.text; }
+
+void PrintTo(const Lexed& token, std::ostream* out) { *out << int(token.kind) << ":" << token.text; }
+
+std::vector<Lexed> lex(std::string_view input)
+{
+    Tokenizer tokens(input);
+    std::vector<Lexed> result;
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
+        result.push_back({token.kind, std::string(token.text)});
+    return result;
+}
+
+using K = TokenKind;
+
+TEST(Tokenizer, SplitsInputByTheLexicalRules)
+{
+    const struct {
+        const char* input;
+        std::vector<Lexed> expected;
+    } cases[] = {
+        {"  \t\r\n\f", {}},
+        {"%comment\r1%another\n2", {{K::integer, "1"}, {K::integer, "2"}}},
+        {"/Name/Other / /A#20B", {{K::name, "Name"}, {K::name, "Other"}, {K::name, ""}, {K::name, "A#20B"}}},
+        {"[1]<</K/V>>", {{K::arrayOpen, "["}, {K::integer, "1"}, {K::arrayClose, "]"}, {K::dictOpen, "<<"},
+                         {K::name, "K"}, {K::name, "V"}, {K::dictClose, ">>"}}},
+        {"(a(b)c)(\\))<41 42>< >", {{K::literalString, "(a(b)c)"}, {K::literalString, "(\\))"},
+                                    {K::hexString, "<41 42>"}, {K::hexString, "< >"}}},
+        {"12 -3 +4 0.5 -.5 4. +.0", {{K::integer, "12"}, {K::integer, "-3"}, {K::integer, "+4"}, {K::real, "0.5"},
+                                     {K::real, "-.5"}, {K::real, "4."}, {K::real, "+.0"}}},
+        {"1234567890123456789012", {{K::real, "1234567890123456789012"}}},
+        {"obj R/X true null{}endobj", {{K::keyword, "obj"}, {K::keyword, "R"}, {K::name, "X"}, {K::keyword, "true"},
+                                       {K::keyword, "null"}, {K::keyword, "{"}, {K::keyword, "}"}, {K::keyword, "endobj"}}},
+        {"a\0b", {{K::keyword, "a"}}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(lex(c.input), c.expected) << c.input;
+
+    Tokenizer tokens("  -42 7");
+    const Token first = tokens.next();
+    EXPECT_EQ(first.integer, -42);
+    EXPECT_EQ(first.offset, 2u);
+    EXPECT_EQ(tokens.next().integer, 7);
+}
+
+TEST(Tokenizer, MalformedInputNamesTheOffset)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"1 1.2.3", "Invalid number \"1.2.3\" at offset 2"}, {"  12abc", "Invalid number \"12abc\" at offset 2"},
+        {"- 1", "Invalid number \"-\" at offset 0"},         {"xy (abc", "Unterminated string at offset 3"},
+        {"(a(b)", "Unterminated string at offset 0"},        {"<4G>", "Invalid character in hexadecimal string at offset 2"},
+        {"<41", "Unterminated hexadecimal string at offset 0"}, {" )", "Unexpected ')' at offset 1"},
+        {"  > ", "Unexpected '>' at offset 2"},
+    };
+    for (const auto& [input, message] : cases)
+        EXPECT_EQ(errorOf([input = input] { lex(input); }), message);
+    EXPECT_THROW(lex("1.2.3"), NumberFormatException);
+}
+
+TEST(Tokenizer, StringsAndNamesAreDecoded)
+{
+    const std::pair<std::string, std::string> literals[] = {
+        {"(\\n\\r\\t\\b\\f)", "\n\r\t\b\f"},
+        {"(\\(\\)\\\\)", "()\\"},
+        {"(a(b)c)", "a(b)c"},
+        {"(\\101\\60\\0618)", "A0" "18"},
+        {"(\\7\\77\\777)", std::string("\x07\x3F\xFF", 3)},
+        {"(\\0)", std::string(1, '\0')},
+        {"(line\\\r\ncontinued\\\nhere\\\rtoo)", "linecontinuedheretoo"},
+        {"(a\r\nb\rc\nd)", "a\nb\nc\nd"},
+        {"(\\q\\%)", "q%"},
+        {"()", ""},
+    };
+    for (const auto& [raw, bytes] : literals)
+        EXPECT_EQ(Tokenizer::decodeLiteral(raw), bytes) << raw;
+    EXPECT_EQ(Tokenizer::decodeHex("<48 65\n6c6C6f>"), "Hello");
+    EXPECT_EQ(Tokenizer::decodeHex("<414>"), "A@") << "an odd last digit is followed by 0";
+    EXPECT_EQ(Tokenizer::decodeName("A#20B#2f"), "A B/");
+    EXPECT_EQ(Tokenizer::decodeName("a#b"), "a#b") << "'#' without two digits stands for itself";
+    EXPECT_EQ(Tokenizer::decodeName("end#4"), "end#4");
+    EXPECT_THROW(Tokenizer::decodeName("a#00"), PdfException);
+}
+
+// Parses objects from one text, as a reader does.
+struct Parsing {
+    explicit Parsing(std::string text) : bytes(std::move(text)), tokens(bytes), parser(tokens, names, table) {}
+
+    std::string bytes;
+    std::shared_ptr<IndirectTable> table = std::make_shared<IndirectTable>();
+    NameTable names;
+    Tokenizer tokens;
+    ObjectParser parser;
+};
+
+// The object parsed from `text`, written again; the whole text must be read.
+std::string reparsed(const std::string& text)
+{
+    Parsing parsing(text);
+    BufferWriter out;
+    parsing.parser.parseObject()->write(out);
+    EXPECT_EQ(parsing.tokens.next().kind, TokenKind::end) << text;
+    return out.data();
+}
+
+TEST(ObjectParser, ValuesReadBackAsWritten)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        {"null", "null"}, {"true", "true"}, {"-17", "-17"}, {"(text)", "(text)"}, {"12 0 R", "12 0 R"},
+        {"[1 2 0 R 3 4 5 R]", "[1 2 0 R 3 4 5 R]"},
+        {"<</B [true false null] /A <</C (x)>>>>", "<<\r\n/A <<\r\n/C (x)\r\n>>\r\n/B [true false null]\r\n>>"},
+        {"[-0.5 4. +.25 3]", "[-0.5 4.0 0.25 3]"}, {"(a\\)b)", "(a\\)b)"}, {"<FEFF0041>", "<FEFF0041>"},
+        {"/T#79pe", "/Type"}, {"/A#20B", "/A#20B"},
+        {"<</K>>", "<<\r\n>>"} /* a last key without value counts as null: absent */,
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(reparsed(text), expected) << text;
+}
+
+TEST(ObjectParser, NamesAreSharedAndReferencesResolveThroughTheTable)
+{
+    Parsing parsing("[/Type /Custom /Custom] <</P 3 0 R /Q 3 1 R>>");
+    parsing.table->slot(3) = make<Indirect>(3, 0, make<Number>(99));
+    Ptr<Object> array = parsing.parser.parseObject();
+    EXPECT_EQ(array->asArray()->at(0), names::Type().get());
+    EXPECT_EQ(array->asArray()->at(1), array->asArray()->at(2));
+    Ptr<Object> dict = parsing.parser.parseObject();
+    ASSERT_NE(dict->asDict()->get("P")->asNumber(), nullptr);
+    EXPECT_EQ(dict->asDict()->get("P")->asNumber()->value(), 99);
+    EXPECT_EQ(dict->asDict()->get("Q")->resolve(), nullptr) << "another generation";
+}
+
+TEST(ObjectParser, ErrorsNameTheOffsetAndNestingIsBounded)
+{
+    const std::size_t limit = ObjectParser::maxDepth;
+    const std::pair<std::string, std::string> cases[] = {
+        {"[1 2", "Unexpected end of data at offset 4"},
+        {"<</A 1 ]", "Unexpected ']' at offset 7"},
+        {"[1 >>", "Unexpected '>>' at offset 3"},
+        {"<<1 2>>", "Dictionary key that is not a name in the dictionary at offset 0"},
+        {"[1 R]", "Unexpected \"R\" at offset 3"},
+        {"  endobj", "Unexpected \"endobj\" at offset 2"},
+        {"", "Unexpected end of data at offset 0"},
+        {std::string(1000000, '['), "Objects nested too deeply at offset " + std::to_string(limit)},
+        // Arrays and dictionaries count alike: the 257th level opens at 129 + 2 * 127.
+        {std::string(limit / 2 + 1, '[') + std::string(limit, '<') + "<", "Objects nested too deeply at offset 383"},
+    };
+    for (const auto& [text, message] : cases) {
+        Parsing parsing(text);
+        EXPECT_EQ(errorOf([&] { parsing.parser.parseObject(); }), message) << text.substr(0, 20);
+    }
+    const std::string fits = std::string(limit, '[') + std::string(limit, ']');
+    EXPECT_EQ(reparsed(fits), fits);
+}
+
+TEST(ObjectParser, StreamDataEndsAtEndstreamWhateverTheLength)
+{
+    EXPECT_EQ(Parsing("7 1 obj 42 endobj").parser.parseIndirect()->generation(), 1);
+    // The line end after "stream" and the one before "endstream" are not data.
+    const std::pair<const char*, const char*> cases[] = {
+        {"1 0 obj\n<</Length 5>>\nstream\r\nabcde\r\nendstream\nendobj", "abcde"},
+        // A wrong Length: the data ends at "endstream".
+        {"1 0 obj <</Length 2>> stream\nabcde\nendstream endobj", "abcde"},
+        {"1 0 obj <</Length 999>> stream\nabcde\r\nendstream endobj", "abcde"},
+        {"1 0 obj <</Length -1>> stream\r\nab\rendstream endobj", "ab"},
+        {"1 0 obj <</Length 9 0 R>> stream\nxyz\nendstream endobj", "xyz"},
+        {"1 0 obj <<>> stream\nxyz endstream endobj", "xyz "},
+    };
+    for (const auto& [text, data] : cases) {
+        Parsing parsing(text);
+        EXPECT_EQ(parsing.parser.parseIndirect()->value()->asStream()->data()->bytes(), data) << text;
+    }
+    for (const char* text : {"1 0 obj <</Length 3>> stream\nabcdef", "1 0 obj [1] stream\nab\nendstream"}) {
+        Parsing bad(text);
+        EXPECT_THROW(bad.parser.parseIndirect(), PdfException) << text;
+    }
+}
+
+} // namespace

@@ -1,0 +1,199 @@
+#include "TestSupport.h"
+
+#include "zpdf/BufferWriter.h"
+#include "zpdf/FileWriter.h"
+#include "zpdf/Flate.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
+
+namespace zpdfTest {
+
+std::string readFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+int run(const std::string& command, std::string& output)
+{
+#ifndef _WIN32
+    if (std::FILE* pipe = popen((command + " 2>&1").c_str(), "r")) {
+        char piece[4096];
+        for (std::size_t got; (got = std::fread(piece, 1, sizeof piece, pipe)) > 0;)
+            output.append(piece, got);
+        const int status = pclose(pipe);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+#endif
+    (void)command;
+    (void)output;
+    return -1;
+}
+
+std::string temporaryPath(const char* suffix)
+{
+    static std::atomic<int> counter{0};
+    std::ostringstream name;
+    // The clock keeps concurrent test processes apart, the counter calls within one.
+    name << "zpdf_test_" << std::hex << std::chrono::system_clock::now().time_since_epoch().count() << '_'
+         << counter++ << suffix;
+    return (std::filesystem::temp_directory_path() / name.str()).u8string();
+}
+
+std::string pdfinfo(const std::string& pdf)
+{
+    std::string output;
+#ifndef _WIN32
+    const std::string path = temporaryPath(".pdf");
+    std::ofstream(path, std::ios::binary) << pdf;
+    EXPECT_EQ(run("pdfinfo -enc UTF-8 '" + path + "'", output), 0) << "pdfinfo:\n" << output;
+    std::filesystem::remove(path);
+#endif
+    (void)pdf;
+    return output;
+}
+
+std::string writeChecked(zpdf::Document& document)
+{
+    zpdf::BufferWriter memory;
+    memory.writeDocument(document);
+    std::string bytes = memory.take();
+    const std::size_t at = bytes.rfind("startxref\r\n");
+    EXPECT_EQ(bytes.find("xref\r\n"), at == std::string::npos ? at : std::stoull(bytes.substr(at + 11)));
+    EXPECT_EQ(bytes.substr(bytes.size() - 5), "%%EOF");
+
+    const std::string path = temporaryPath(".pdf");
+    {
+        zpdf::FileWriter file(ZString::fromUtf8(path));
+        file.writeDocument(document);
+        file.close();
+    }
+    EXPECT_EQ(readFile(path), bytes) << "FileWriter and BufferWriter differ";
+#ifndef _WIN32
+    std::string output;
+    EXPECT_EQ(run("qpdf --check '" + path + "'", output), 0) << "qpdf --check:\n" << output;
+    pdfinfo(bytes);
+#endif
+    std::filesystem::remove(path);
+    return bytes;
+}
+
+const char* const catalog = "<</Type /Catalog /Pages 2 0 R>>";
+const char* const pages = "<</Type /Pages /Kids [3 0 R] /Count 1>>";
+
+std::string page(int width, const std::string& entries)
+{
+    return "<</Type /Page /Parent 2 0 R /MediaBox [0 0 " + std::to_string(width) + " 792]" + entries + ">>";
+}
+
+std::size_t PdfBuilder::object(std::uint32_t number, const std::string& body, std::uint16_t generation)
+{
+    const std::size_t at = bytes.size();
+    bytes += std::to_string(number) + " " + std::to_string(generation) + " obj\n" + body + "\nendobj\n";
+    pending_[number] = Entry{1, at, generation};
+    highest_ = std::max(highest_, number);
+    return at;
+}
+
+void PdfBuilder::pageTree(int width, const std::string& pageEntries)
+{
+    object(1, catalog);
+    object(2, pages);
+    object(3, page(width, pageEntries));
+}
+
+std::size_t PdfBuilder::objectStream(std::uint32_t number, const std::vector<std::pair<std::uint32_t, std::string>>& members,
+                                     bool compressed)
+{
+    std::string header;
+    std::string bodies;
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        header += std::to_string(members[i].first) + " " + std::to_string(bodies.size()) + " ";
+        bodies += members[i].second + "\n";
+        pending_[members[i].first] = Entry{2, number, i};
+        highest_ = std::max(highest_, members[i].first);
+    }
+    const std::string data = compressed ? zpdf::flate::compress(header + bodies) : header + bodies;
+    return object(number, "<</Type /ObjStm /N " + std::to_string(members.size()) + " /First "
+                              + std::to_string(header.size()) + (compressed ? " /Filter /FlateDecode" : "")
+                              + " /Length " + std::to_string(data.size()) + ">>\nstream\n" + data + "\nendstream");
+}
+
+std::vector<std::pair<std::uint32_t, std::vector<PdfBuilder::Entry>>> PdfBuilder::takeRuns()
+{
+    if (lastSection == 0)
+        pending_[0] = Entry{0, 0, 65535};
+    std::vector<std::pair<std::uint32_t, std::vector<Entry>>> runs;
+    for (const auto& [number, entry] : pending_) {
+        if (runs.empty() || runs.back().first + runs.back().second.size() != number)
+            runs.emplace_back(number, std::vector<Entry>());
+        runs.back().second.push_back(entry);
+    }
+    pending_.clear();
+    return runs;
+}
+
+std::size_t PdfBuilder::table(const std::string& trailerEntries)
+{
+    const std::size_t at = bytes.size();
+    bytes += "xref\n";
+    for (const auto& [first, entries] : takeRuns()) {
+        bytes += std::to_string(first) + " " + std::to_string(entries.size()) + "\n";
+        for (const Entry& entry : entries) {
+            char line[32];
+            std::snprintf(line, sizeof line, "%010llu %05llu %c\r\n", static_cast<unsigned long long>(entry.field2),
+                          static_cast<unsigned long long>(entry.field3), entry.type == 1 ? 'n' : 'f');
+            bytes += line;
+        }
+    }
+    bytes += "trailer\n<</Size " + std::to_string(highest_ + 1) + " " + trailerEntries + ">>\n";
+    return finish(at);
+}
+
+std::size_t PdfBuilder::xrefStream(std::uint32_t number, const std::string& trailerEntries, bool predicted)
+{
+    const std::size_t at = bytes.size();
+    pending_[number] = Entry{1, at, 0};
+    highest_ = std::max(highest_, number);
+    std::string rows;
+    std::string index;
+    std::string above(7, '\0');
+    for (const auto& [first, entries] : takeRuns()) {
+        index += std::to_string(first) + " " + std::to_string(entries.size()) + " ";
+        for (const Entry& e : entries) {
+            const char row[7] = {char(e.type),       char(e.field2 >> 24), char(e.field2 >> 16), char(e.field2 >> 8),
+                                 char(e.field2),     char(e.field3 >> 8),  char(e.field3)};
+            if (predicted)
+                rows += '\2'; // Up: each byte minus the one above
+            for (int i = 0; i < 7; ++i)
+                rows += predicted ? char(row[i] - above[i]) : row[i];
+            above.assign(row, 7);
+        }
+    }
+    const std::string data = predicted ? zpdf::flate::compress(rows) : rows;
+    bytes += std::to_string(number) + " 0 obj\n<</Type /XRef /Size " + std::to_string(highest_ + 1) + " /W [1 4 2] /Index ["
+             + index + "]" + (predicted ? " /Filter /FlateDecode /DecodeParms <</Predictor 12 /Columns 7>>" : "")
+             + " /Length " + std::to_string(data.size()) + " " + trailerEntries + ">>\nstream\n" + data + "\nendstream\nendobj\n";
+    return finish(at);
+}
+
+std::size_t PdfBuilder::finish(std::size_t section)
+{
+    bytes += "startxref\n" + std::to_string(section) + "\n%%EOF\n";
+    return lastSection = section;
+}
+
+} // namespace zpdfTest

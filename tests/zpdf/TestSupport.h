@@ -1,0 +1,78 @@
+#pragma once
+// What the PDF tests share: writing a document and checking the file with outside tools,
+// and building files by hand for the reader.
+
+#include "zpdf/Document.h"
+#include "zpdf/PdfException.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zpdfTest {
+
+// The document as a BufferWriter writes it. Expects a FileWriter to write the same bytes,
+// startxref to name the offset of "xref", nothing after "%%EOF", and natively qpdf --check
+// and pdfinfo to accept the file.
+std::string writeChecked(zpdf::Document& document);
+// pdfinfo's output (UTF-8) for the bytes, which it must accept; natively only.
+std::string pdfinfo(const std::string& pdf);
+std::string temporaryPath(const char* suffix);
+std::string readFile(const std::string& path);
+// Runs a shell command natively, appending its output (stderr too); returns its exit code.
+int run(const std::string& command, std::string& output);
+
+// The message of the PdfException that `action` throws, or "(no exception)".
+template <class Action>
+std::string errorOf(Action&& action)
+{
+    try {
+        action();
+    } catch (const zpdf::PdfException& error) {
+        return error.what();
+    }
+    return "(no exception)";
+}
+
+extern const char* const catalog; // pages in object 2
+extern const char* const pages;   // one kid, object 3
+std::string page(int width, const std::string& entries = "");
+
+// Builds a file: objects at known offsets, classic cross-reference tables and streams,
+// object streams, incremental updates.
+class PdfBuilder {
+public:
+    // Appends "N G obj" body "endobj"; returns its offset.
+    std::size_t object(std::uint32_t number, const std::string& body, std::uint16_t generation = 0);
+    // An object stream of (number, body) members, entered as compressed objects.
+    std::size_t objectStream(std::uint32_t number, const std::vector<std::pair<std::uint32_t, std::string>>& members,
+                             bool compressed = true);
+    // Objects 1 to 3: catalog, page tree and a page `width` x 792 with `pageEntries`.
+    void pageTree(int width = 612, const std::string& pageEntries = "");
+    // A classic table of the objects added since the last section (object 0 in the first),
+    // one subsection per run of numbers, the trailer (Size added) and startxref. Returns
+    // the offset of "xref".
+    std::size_t table(const std::string& trailerEntries);
+    // The same as cross-reference stream `number`, Flate-compressed with the PNG Up
+    // predictor when `predicted`.
+    std::size_t xrefStream(std::uint32_t number, const std::string& trailerEntries, bool predicted = true);
+
+    std::string bytes = "%PDF-1.7\n%\xE2\xE3\xCF\xD3\n";
+    std::size_t lastSection = 0; // for the next section's Prev
+
+private:
+    struct Entry {
+        int type; // 0 free, 1 direct, 2 compressed
+        std::uint64_t field2, field3;
+    };
+    // The pending entries in runs of consecutive numbers.
+    std::vector<std::pair<std::uint32_t, std::vector<Entry>>> takeRuns();
+    std::size_t finish(std::size_t section);
+
+    std::map<std::uint32_t, Entry> pending_;
+    std::uint32_t highest_ = 0;
+};
+
+} // namespace zpdfTest
