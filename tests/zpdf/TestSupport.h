@@ -15,10 +15,8 @@ namespace zpdfTest {
 
 // The document as a BufferWriter writes it. Expects a FileWriter to write the same bytes,
 // startxref to name the offset of "xref", nothing after "%%EOF", and natively qpdf --check
-// and pdfinfo to accept the file.
-std::string writeChecked(zpdf::Document& document);
-// pdfinfo's output (UTF-8) for the bytes, which it must accept; natively only.
-std::string pdfinfo(const std::string& pdf);
+// and pdfinfo to accept the file; `info` receives pdfinfo's output (UTF-8).
+std::string writeChecked(zpdf::Document& document, std::string* info = nullptr);
 std::string temporaryPath(const char* suffix);
 std::string readFile(const std::string& path);
 // Runs a shell command natively, appending its output (stderr too); returns its exit code.
