@@ -27,10 +27,7 @@ std::string contentOf(const ZString& path)
 class Assistant : public testing::Test {
 protected:
     // A "PDF" with recognisable content.
-    ZString source(const char* name, const char* content)
-    {
-        return env.writeFile(ZString(L"in\\") + ZString::fromUtf8(name), content);
-    }
+    ZString source(const wchar_t* name, const char* content) { return env.writeFile(ZString(L"in\\") + name, content); }
 
     ScratchEnvironment env;
     const ZString out = env.folder() + L"\\out";
@@ -40,25 +37,24 @@ protected:
 TEST_F(Assistant, SavesUnderTheGivenNameWithoutOverwritingAndDeletesOnlyWhenAsked)
 {
     Inbox inbox(out, logPath);
-    const ZString first = source("a.pdf", "first");
-    const ZString second = source("b.pdf", "second");
+    const ZString first = source(L"a.pdf", "first");
+    const ZString second = source(L"b.pdf", "second");
     EXPECT_EQ(inbox.receive({L"-dir", out, L"-name", L"My shot", first}), std::vector<ZString>{out + L"\\My shot.pdf"});
     EXPECT_TRUE(exists(first)) << "kept: the line did not ask to delete it";
     EXPECT_EQ(inbox.receive({L"-deleteFile", L"-dir", out, L"-name", L"My shot", second}),
               std::vector<ZString>{out + L"\\My shot (2).pdf"});
     EXPECT_FALSE(exists(second));
-    EXPECT_EQ(contentOf(out + L"\\My shot.pdf"), "first");
-    EXPECT_EQ(contentOf(out + L"\\My shot (2).pdf"), "second");
+    EXPECT_EQ(contentOf(out + L"\\My shot.pdf") + contentOf(out + L"\\My shot (2).pdf"), "firstsecond");
 
     // Without -dir the default folder is used; without -name the file keeps its own.
     Inbox elsewhere(env.folder() + L"\\default", logPath);
-    EXPECT_EQ(elsewhere.receive({source("c.pdf", "third")}), std::vector<ZString>{env.folder() + L"\\default\\c.pdf"});
+    EXPECT_EQ(elsewhere.receive({source(L"c.pdf", "third")}), std::vector<ZString>{env.folder() + L"\\default\\c.pdf"});
 }
 
 TEST_F(Assistant, BadLinesAreLoggedAndChangeNothing)
 {
     Inbox inbox(out, logPath);
-    const ZString file = source("a.pdf", "data");
+    const ZString file = source(L"a.pdf", "data");
     EXPECT_TRUE(inbox.receive({L"-deleteFile", L"-bogus", L"x", file}).empty());
     EXPECT_TRUE(inbox.receive({L"-deleteFile", L"-dir", out, file + L".missing", file}).empty());
     EXPECT_TRUE(inbox.receive({L"-name"}).empty());
@@ -70,26 +66,21 @@ TEST_F(Assistant, BadLinesAreLoggedAndChangeNothing)
     EXPECT_NE(log.find("refused: no value after -name"), std::string::npos) << log;
 }
 
-ZString assistantProgram()
-{
-    return moduleFolder(GetModuleHandleW(nullptr)) + L"\\pryxa-Assistant.exe";
-}
-
 KernelHandle startAssistant(const ZString& arguments)
 {
-    return startProgram(L"\"" + assistantProgram() + L"\" " + arguments);
+    return startProgram(L"\"" + moduleFolder(GetModuleHandleW(nullptr)) + L"\\pryxa-Assistant.exe\" " + arguments);
 }
 
 TEST_F(Assistant, OneInstanceTakesFilesFromItsCommandLineAndFromLaterStarts)
 {
     const ZString arguments = L"-deleteFile -dir \"" + out + L"\" -name \"Screen capture\" ";
-    KernelHandle first = startAssistant(arguments + source("one.pdf", "1"));
+    KernelHandle first = startAssistant(arguments + source(L"one.pdf", "1"));
     ASSERT_TRUE(first);
     ASSERT_TRUE(pumpUntil([&] { return exists(out + L"\\Screen capture.pdf"); }, 10000));
     HWND window = FindWindowW(L"Pryxa_Assistent", nullptr);
     ASSERT_NE(window, nullptr) << "the first instance stays for more";
 
-    KernelHandle second = startAssistant(arguments + source("two.pdf", "2"));
+    KernelHandle second = startAssistant(arguments + source(L"two.pdf", "2"));
     ASSERT_TRUE(second);
     EXPECT_EQ(WaitForSingleObject(second.get(), 10000), WAIT_OBJECT_0) << "the second start hands over and ends";
     EXPECT_TRUE(exists(out + L"\\Screen capture (2).pdf"));
