@@ -12,6 +12,26 @@ std::string narrow(const std::wstring& text)
     return out;
 }
 
+// Checks `done` every kPollMs until it holds (true) or the time is up (false); `pump`
+// dispatches this thread's messages meanwhile.
+bool poll(const std::function<bool()>& done, DWORD timeoutMs, bool pump)
+{
+    for (const DWORD start = GetTickCount();;) {
+        for (MSG message; pump && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+        if (done())
+            return true;
+        if (GetTickCount() - start >= timeoutMs)
+            return false;
+        if (pump)
+            MsgWaitForMultipleObjects(0, nullptr, FALSE, kPollMs, QS_ALLINPUT);
+        else
+            Sleep(kPollMs);
+    }
+}
+
 // The windows that EnumChildWindows hands out, or EnumWindows for no parent.
 std::vector<HWND> enumerate(HWND parent)
 {
@@ -48,7 +68,22 @@ UINT iconKind(HWND box)
 
 } // namespace
 
-UiRobot::UiRobot(Script script) : thread_([this, script] { run(script); }) {}
+UiRobot::UiRobot(Script script)
+    : thread_([this, script] {
+          try {
+              script(*this);
+          } catch (const std::exception& e) {
+              failure_ = std::string("robot: ") + e.what();
+          } catch (...) {
+              failure_ = "robot: unknown exception";
+          }
+          if (!failure_.empty()) {
+              for (HWND window : processWindows())
+                  PostMessageW(window, WM_CLOSE, 0, 0);
+          }
+      })
+{
+}
 
 UiRobot::~UiRobot()
 {
@@ -60,21 +95,6 @@ std::string UiRobot::finish()
     if (thread_.joinable())
         thread_.join();
     return failure_;
-}
-
-void UiRobot::run(const Script& script)
-{
-    try {
-        script(*this);
-    } catch (const std::exception& e) {
-        failure_ = std::string("robot: ") + e.what();
-    } catch (...) {
-        failure_ = "robot: unknown exception";
-    }
-    if (!failure_.empty()) {
-        for (HWND window : processWindows())
-            PostMessageW(window, WM_CLOSE, 0, 0);
-    }
 }
 
 HWND UiRobot::waitForWindow(const std::wstring& className, const std::wstring& title, DWORD timeoutMs)
@@ -89,14 +109,16 @@ HWND UiRobot::waitForWindow(const std::wstring& className, const std::wstring& t
 
 HWND UiRobot::waitForWindow(const std::function<bool(HWND)>& matches, const std::string& what, DWORD timeoutMs)
 {
-    const DWORD start = GetTickCount();
-    do {
+    HWND found = nullptr;
+    const auto find = [&] {
         for (HWND window : processWindows()) {
             if (matches(window))
-                return window;
+                return (found = window) != nullptr;
         }
-        Sleep(kPollMs);
-    } while (GetTickCount() - start < timeoutMs);
+        return false;
+    };
+    if (poll(find, timeoutMs, false))
+        return found;
     std::string seen;
     for (HWND window : processWindows())
         seen += " [" + narrow(windowClass(window)) + " \"" + narrow(windowText(window)) + "\"]";
@@ -106,21 +128,14 @@ HWND UiRobot::waitForWindow(const std::function<bool(HWND)>& matches, const std:
 
 void UiRobot::waitForWindowGone(HWND window, DWORD timeoutMs)
 {
-    const DWORD start = GetTickCount();
-    while (IsWindow(window)) {
-        if (GetTickCount() - start >= timeoutMs)
-            throw RobotFailure("window \"" + narrow(windowText(window)) + "\" still open after "
-                               + std::to_string(timeoutMs) + " ms");
-        Sleep(kPollMs);
-    }
+    if (!poll([&] { return !IsWindow(window); }, timeoutMs, false))
+        throw RobotFailure("window \"" + narrow(windowText(window)) + "\" still open after "
+                           + std::to_string(timeoutMs) + " ms");
 }
 
 MessageBoxInfo readMessageBox(HWND box)
 {
-    MessageBoxInfo info;
-    info.title = windowText(box);
-    info.text = windowText(GetDlgItem(box, 0xFFFF));
-    info.icon = iconKind(box);
+    MessageBoxInfo info{windowText(box), windowText(GetDlgItem(box, 0xFFFF)), iconKind(box), {}};
     for (int id = IDOK; id <= IDCONTINUE; ++id) {
         HWND button = GetDlgItem(box, id);
         if (button && IsWindowVisible(button))
@@ -131,8 +146,8 @@ MessageBoxInfo readMessageBox(HWND box)
 
 void pressButton(HWND dialog, int controlId)
 {
-    HWND button = GetDlgItem(dialog, controlId);
-    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(controlId, BN_CLICKED), reinterpret_cast<LPARAM>(button));
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(controlId, BN_CLICKED),
+                 reinterpret_cast<LPARAM>(GetDlgItem(dialog, controlId)));
 }
 
 HWND findDescendant(HWND parent, const std::wstring& className, int controlId)
@@ -152,11 +167,8 @@ void typeText(HWND edit, const std::wstring& text)
 
 std::wstring windowText(HWND window)
 {
-    if (!window)
-        return std::wstring();
-    const int length = GetWindowTextLengthW(window);
-    std::wstring text(static_cast<size_t>(length) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(window, &text[0], length + 1)));
+    std::wstring text(static_cast<size_t>(window ? GetWindowTextLengthW(window) : 0) + 1, L'\0');
+    text.resize(window ? static_cast<size_t>(GetWindowTextW(window, &text[0], static_cast<int>(text.size()))) : 0);
     return text;
 }
 
@@ -181,22 +193,10 @@ std::vector<HWND> processWindows()
 
 void pumpMessages(DWORD milliseconds)
 {
-    pumpUntil([] { return false; }, milliseconds);
+    poll([] { return false; }, milliseconds, true);
 }
 
 bool pumpUntil(const std::function<bool()>& condition, DWORD timeoutMs)
 {
-    const DWORD start = GetTickCount();
-    for (;;) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
-        if (condition())
-            return true;
-        if (GetTickCount() - start >= timeoutMs)
-            return false;
-        MsgWaitForMultipleObjects(0, nullptr, FALSE, kPollMs, QS_ALLINPUT);
-    }
+    return poll(condition, timeoutMs, true);
 }

@@ -38,10 +38,8 @@ public:
     void waitForWindowGone(HWND window, DWORD timeoutMs = 10000);
 
 private:
-    void run(const Script& script);
-
+    std::string failure_; // before thread_, which writes it
     std::thread thread_;
-    std::string failure_;
 };
 
 struct MessageBoxInfo {
