@@ -141,7 +141,11 @@ struct LoggingListener : BaseWindow::IMessageListener {
     std::function<void(BaseWindow&)> then = [](BaseWindow&) {};
 };
 
-TEST(BaseWindowDispatch, AListenerRemovingItselfDoesNotDisturbTheOthers)
+struct FixedFilter : BaseWindow::IMessageFilter {
+    LRESULT filterMessage(BaseWindow&, UINT message, WPARAM, LPARAM) override { return message == kProbe ? 5 : 0; }
+};
+
+TEST(BaseWindowDispatch, ListenersMayRemoveThemselvesAndAFilterTakesTheHandlersPlace)
 {
     RecordingWindow object;
     HWND window = makeWindow(kBoundClass, &object);
@@ -154,7 +158,6 @@ TEST(BaseWindowDispatch, AListenerRemovingItselfDoesNotDisturbTheOthers)
     EXPECT_EQ(probe(window), kHandled);
     probe(window);
     EXPECT_EQ(log, "abcac");
-
     // The last listener, alone, may remove itself too.
     object.removeMessageListener(&a);
     c.then = [&](BaseWindow& w) { w.removeMessageListener(&c); };
@@ -162,19 +165,10 @@ TEST(BaseWindowDispatch, AListenerRemovingItselfDoesNotDisturbTheOthers)
     probe(window);
     probe(window);
     EXPECT_EQ(log, "c");
-}
 
-class FixedFilter : public BaseWindow::IMessageFilter {
-public:
-    LRESULT filterMessage(BaseWindow&, UINT message, WPARAM, LPARAM) override { return message == kProbe ? 5 : 0; }
-};
-
-TEST(BaseWindowDispatch, AFilterTakesTheHandlersPlace)
-{
-    RecordingWindow object;
-    HWND window = makeWindow(kPlainClass);
     FixedFilter filter, other;
     object.attach(window, &filter);
+    object.seen.clear();
     EXPECT_EQ(probe(window), 5);
     EXPECT_FALSE(object.saw(kProbe));
     object.removeMessageFilter(&other); // not the one set: stays

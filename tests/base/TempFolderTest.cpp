@@ -49,30 +49,6 @@ struct CurrentFolder {
 // the drive Z: is the Unix root, and the kernel refuses new entries in /proc.
 const ZString kUnwritableFolder = L"Z:\\proc";
 
-// Runs `action`, which must show the error box `title` with `text` and an OK button
-// (pressed by a robot), then throw TempFolderError(`thrown`).
-void expectErrorBoxAndThrow(const std::wstring& title, const std::wstring& text, const std::string& thrown,
-                            const std::function<void()>& action)
-{
-    MessageBoxInfo box;
-    UiRobot robot([&](UiRobot& r) {
-        HWND window = r.waitForWindow(L"#32770", title);
-        box = readMessageBox(window);
-        pressButton(window, IDOK);
-    });
-    std::string message = "nothing thrown";
-    try {
-        action();
-    } catch (const TempFolderError& error) {
-        message = error.what();
-    }
-    ASSERT_EQ(robot.finish(), "");
-    EXPECT_EQ(box.text, text);
-    EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONERROR));
-    EXPECT_EQ(box.buttons, std::vector<int>{IDOK});
-    EXPECT_EQ(message, thrown);
-}
-
 } // namespace
 
 TEST(JoinPath, PutsOneBackslashBetween)
@@ -143,11 +119,14 @@ TEST(ModuleTempFolder, AfterPryxa99ComesTheSystemTempFolder)
     EXPECT_FALSE(PathFileExistsW((scratch.tempFolder() + L"\\Pryxa_100").c_str()));
 }
 
+// Without one the current folder is used; without that either, the user is told in an
+// error box with OK whether the folder is missing or not writeable, and TempFolderError is
+// thrown.
 TEST(ModuleTempFolder, WithoutATempFolderUsesTheCurrentOneElseTellsTheUserAndThrows)
 {
     ScratchEnvironment scratch;
-    const ZString belowFile = scratch.writeFile(L"plain", "x") + L"\\temp";
-    TempVariables variables(belowFile, belowFile, belowFile);
+    const ZString missing = scratch.writeFile(L"plain", "x") + L"\\temp";
+    TempVariables variables(missing, missing, missing);
     {
         const ZString current = scratch.folder() + L"\\current";
         ASSERT_TRUE(createFolderTree(current));
@@ -158,22 +137,41 @@ TEST(ModuleTempFolder, WithoutATempFolderUsesTheCurrentOneElseTellsTheUserAndThr
     }
     CurrentFolder inUnwritable(kUnwritableFolder);
     ASSERT_TRUE(inUnwritable.changed);
-    expectErrorBoxAndThrow(L"Temporary files folder not writeable",
-                           L"The following temporary files folder is not writeable by the current user. Please ensure "
-                           L"that the current user can create files in that folder by checking permissions. "
-                           L"Alternatively, you can try to delete the folder manually.\r\n\r\n.",
-                           "Temporary files folder not writeable", [] { moduleTempFolder(); });
-}
-
-TEST(ReportUnusableTempFolder, TellsThatAMissingFolderCouldNotBeCreated)
-{
-    ScratchEnvironment scratch;
-    const ZString missing = scratch.writeFile(L"plain", "x") + L"\\temp";
-    expectErrorBoxAndThrow(L"Could not create temporary files folder",
-                           L"The following temporary files folder does not exist and could not be created by the "
-                           L"current user. Please check the permissions of the parent folder so that the subfolder "
-                           L"can be created.\r\n\r\n" + std::wstring(missing.c_str()),
-                           "Temporary files folder could not be created", [&] { reportUnusableTempFolder(missing); });
+    const struct {
+        std::function<void()> action;
+        std::wstring title, text;
+        std::string thrown;
+    } cases[] = {
+        {[] { moduleTempFolder(); }, L"Temporary files folder not writeable",
+         L"The following temporary files folder is not writeable by the current user. Please ensure that the current "
+         L"user can create files in that folder by checking permissions. Alternatively, you can try to delete the "
+         L"folder manually.\r\n\r\n.",
+         "Temporary files folder not writeable"},
+        {[&] { reportUnusableTempFolder(missing); }, L"Could not create temporary files folder",
+         L"The following temporary files folder does not exist and could not be created by the current user. Please "
+         L"check the permissions of the parent folder so that the subfolder can be created.\r\n\r\n" +
+             std::wstring(missing.c_str()),
+         "Temporary files folder could not be created"},
+    };
+    for (const auto& c : cases) {
+        MessageBoxInfo box;
+        UiRobot robot([&](UiRobot& r) {
+            HWND window = r.waitForWindow(L"#32770", c.title);
+            box = readMessageBox(window);
+            pressButton(window, IDOK);
+        });
+        std::string thrown = "nothing";
+        try {
+            c.action();
+        } catch (const TempFolderError& error) {
+            thrown = error.what();
+        }
+        ASSERT_EQ(robot.finish(), "");
+        EXPECT_EQ(box.text, c.text);
+        EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONERROR));
+        EXPECT_EQ(box.buttons, std::vector<int>{IDOK});
+        EXPECT_EQ(thrown, c.thrown);
+    }
 }
 
 TEST(UniqueFileName, IsPrefixCounterTickRandomExtensionAndNotCreated)
