@@ -6,8 +6,6 @@
 #include "xhtml/StyleDef.h"
 #include "xhtml/StyleRules.h"
 
-#include <memory>
-
 namespace xhtmlfuzz {
 
 namespace {
@@ -25,16 +23,16 @@ ZString textOf(const uint8_t* data, size_t size)
     return ZString::fromUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
 }
 
-// A fingerprint of the tree's shape and content, to compare two parses.
-void fingerprint(const xhtml::HtmlTagNode& root, ZString::Storage& out)
+// A fingerprint of the tree's shape and content, to compare two parses; false when a child
+// does not name its parent. Iterative, as the tree may be very deep.
+bool fingerprint(const xhtml::HtmlTagNode& root, ZString::Storage& out)
 {
     std::vector<const xhtml::HtmlNode*> pending{&root};
     while (!pending.empty()) {
         const xhtml::HtmlNode* node = pending.back();
         pending.pop_back();
         if (node->isText()) {
-            out += static_cast<const xhtml::HtmlTextNode*>(node)->text().units();
-            out.push_back(1);
+            out += static_cast<const xhtml::HtmlTextNode*>(node)->text().units() + ZChar(1);
             continue;
         }
         const auto* tag = static_cast<const xhtml::HtmlTagNode*>(node);
@@ -42,22 +40,10 @@ void fingerprint(const xhtml::HtmlTagNode& root, ZString::Storage& out)
         for (const xhtml::HtmlAttribute& attribute : tag->attributes())
             out += attribute.name.units() + ZChar(2) + attribute.value.units();
         out.push_back(static_cast<ZChar>(3 + tag->children().size() % 1000));
-        for (auto it = tag->children().rbegin(); it != tag->children().rend(); ++it)
-            pending.push_back(it->get());
-    }
-}
-
-bool parentsAreConsistent(const xhtml::HtmlTagNode& root)
-{
-    std::vector<const xhtml::HtmlTagNode*> pending{&root};
-    while (!pending.empty()) {
-        const xhtml::HtmlTagNode* tag = pending.back();
-        pending.pop_back();
-        for (const auto& child : tag->children()) {
-            if (child->parent() != tag)
+        for (auto it = tag->children().rbegin(); it != tag->children().rend(); ++it) {
+            if ((*it)->parent() != tag)
                 return false;
-            if (child->isTag())
-                pending.push_back(static_cast<const xhtml::HtmlTagNode*>(child.get()));
+            pending.push_back(it->get());
         }
     }
     return true;
@@ -69,24 +55,18 @@ bool parseMarkup(const uint8_t* data, size_t size)
 {
     const ZString text = textOf(data, size);
     const ZChar* end = text.c_str() + text.length();
-    ZString::Storage first;
-    ZString::Storage second;
-    for (ZString::Storage* print : {&first, &second}) {
-        auto root = std::make_unique<xhtml::HtmlTagNode>();
-        const ZChar* stop = xhtml::HtmlParser::parse(root.get(), text.c_str());
+    ZString::Storage prints[2];
+    for (ZString::Storage& print : prints) {
+        xhtml::HtmlTagNode root;
+        const ZChar* stop = xhtml::HtmlParser::parse(&root, text.c_str());
         // Text with an embedded zero ends there, as a zero-terminated text does.
-        if (stop && (stop < text.c_str() || stop > end))
+        if ((stop && (stop < text.c_str() || stop > end)) || !fingerprint(root, print))
             return false;
-        if (!parentsAreConsistent(*root))
-            return false;
-        fingerprint(*root, *print);
     }
-    if (first != second)
-        return false;
     // Inside a raw-content element the result stops at its end tag, if any.
     xhtml::HtmlTagNode textarea(ZString(u"textarea"));
     const ZChar* stop = xhtml::HtmlParser::parse(&textarea, text.c_str());
-    return !stop || (stop >= text.c_str() && stop <= end && textarea.children().size() <= 1);
+    return prints[0] == prints[1] && (!stop || (stop >= text.c_str() && stop <= end && textarea.children().size() <= 1));
 }
 
 bool decodeEntityText(const uint8_t* data, size_t size)
@@ -95,20 +75,15 @@ bool decodeEntityText(const uint8_t* data, size_t size)
     ZString decoded = text;
     xhtml::decodeEntities(decoded);
     // Every reference is at least as long as what replaces it; text without "&" is untouched.
-    if (decoded.length() > text.length())
-        return false;
-    return text.find(ZChar('&')) != ZString::npos || decoded == text;
+    return decoded.length() <= text.length() && (text.find(ZChar('&')) != ZString::npos || decoded == text);
 }
 
 bool parseStyleText(const uint8_t* data, size_t size)
 {
     const ZString text = textOf(data, size);
-    xhtml::StyleDef first;
+    xhtml::StyleDef first, second;
     first.parse(text);
-    xhtml::StyleDef second;
     second.parse(text);
-    if (first.size() != second.size() || first.size() > xhtml::stylePropertyCount)
-        return false;
     xhtml::parseColour(text);
     xhtml::parseLength(text);
     xhtml::parseGradient(text);
@@ -118,7 +93,7 @@ bool parseStyleText(const uint8_t* data, size_t size)
     element.addAttribute(ZString(u"class"), text);
     element.addAttribute(ZString(u"style"), text);
     rules.styleFor(element, xhtml::PointerState::normal);
-    return true;
+    return first.size() == second.size() && first.size() <= xhtml::stylePropertyCount;
 }
 
 } // namespace xhtmlfuzz

@@ -1,7 +1,6 @@
 #pragma once
-// The bodies of the fuzz targets. The fuzzers call them on generated inputs; the unit tests
-// replay the seed corpus and every input that ever made a target fail. Each returns false
-// when an invariant does not hold (a crash shows itself).
+// The bodies of the fuzz targets, which the fuzzers run on generated inputs and the unit tests
+// on the seed corpus and past failures. Each returns false when an invariant does not hold.
 
 #include <cstddef>
 #include <cstdint>
