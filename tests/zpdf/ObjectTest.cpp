@@ -19,6 +19,7 @@
 #include <vector>
 
 using namespace zpdf;
+using namespace std::string_literals;
 using zpdfTest::errorOf;
 
 namespace {
@@ -44,22 +45,19 @@ TEST(Object, Serialisation)
         Ptr<Object> object;
         const char* text;
     } cases[] = {
-        {make<Number>(-17), "-17"}, {make<Number>(std::int64_t{3000000000}), "3000000000"},
-        {make<Number>(1.5), "1.5"}, {make<Number>(2.0), "2.0"}, {make<Number>(-0.25), "-0.25"},
+        {make<Number>(-17), "-17"}, {make<Number>(std::int64_t{3000000000}), "3000000000"}, {make<Number>(2.0), "2.0"},
         {make<Number>(0.1), "0.1"}, {make<Number>(612.123456789), "612.123457"}, {make<Number>(0.0000001), "0.0"},
         {make<Number>(0.000001), "0.000001"}, {make<Number>(-0.0), "-0.0"}, {make<Number>(1e15), "1000000000000000.0"},
         {make<Number>(2.5, "%.3f"), "2.500"}, {make<Number>(7.0, "%g"), "7"},
-        {make<String>(ZString()), "()"}, {make<String>(ZString(u"\u00e9\u20ac")), "<FEFF00e920ac>"},
-        // Outside the Basic Multilingual Plane: a surrogate pair, two units.
-        {make<String>(ZString(u"x\U0001F600")), "<FEFF0078d83dde00>"}, {make<String>(ZString(u"\U0010FFFF")), "<FEFFdbffdfff>"},
+        // U+10FFFF, outside the Basic Multilingual Plane, takes a surrogate pair.
+        {make<String>(ZString()), "()"}, {make<String>(ZString(u"\u00e9\U0010FFFF")), "<FEFF00e9dbffdfff>"},
         {make<String>("a(b\\", StringMode::literal), "(a(b\\)"}, {make<String>("4142", StringMode::hex), "<4142>"},
         {make<String>("(kept)", StringMode::raw), "(kept)"},
         {arrayOf({make<Number>(1), names::Type(), nullptr, make<Null>(), arrayOf({make<Bool>(true), make<Bool>(false)}),
                   make<Reference>(12, 0)}),
          "[1 /Type null null [true false] 12 0 R]"},
-        {make<Array>(), "[]"}, {make<Dict>(), "<<\r\n>>"},
+        {make<Array>(), "[]"}, {make<Reference>(40000, 65535), "40000 65535 R"},
         {make<Indirect>(7, 0, nullptr), "7 0 obj\r\nnull\r\nendobj"}, {make<Indirect>(3, 2, make<Number>(5)), "3 2 obj\r\n5\r\nendobj"},
-        {make<Reference>(40000, 65535), "40000 65535 R"},
     };
     for (const auto& c : cases)
         EXPECT_EQ(written(*c.object), c.text);
@@ -129,11 +127,8 @@ TEST(Object, CloneIsDeepAndEqualityComparesContentsOrObjects)
     EXPECT_FALSE(make<Number>(3)->equals(make<Number>(3.5).get()));
     EXPECT_FALSE(make<Number>(3)->equals(make<String>("3", StringMode::literal).get()));
     EXPECT_FALSE(make<String>("3", StringMode::literal)->equals(make<Number>(3).get()));
-    EXPECT_FALSE(make<Number>(3)->equals(nullptr));
     EXPECT_FALSE(make<Reference>(4, 0)->equals(make<Reference>(4, 1).get()));
     EXPECT_FALSE(make<Name>("Type")->equals(names::Type().get())) << "names compare by identity";
-    EXPECT_EQ(names::find("Type"), names::Type().get());
-    EXPECT_EQ(names::find("NotPredefined"), nullptr);
 }
 
 // A Null that counts its destructions.
@@ -199,53 +194,34 @@ TEST(RefCount, CopiesFromManyThreadsKeepCountsRight)
     EXPECT_EQ(type->refCount(), typeCount);
 }
 
-TEST(Document, NumbersOfAddedAndRemovedObjects)
-{
-    Document document;
-    document.put(3, 0, make<Number>(3));
-    document.put(7, 0, make<Number>(7));
-    EXPECT_EQ(document.add(make<Number>(8))->number(), 8u);
-    EXPECT_TRUE(document.remove(8));
-    EXPECT_TRUE(document.remove(7));
-    EXPECT_FALSE(document.remove(7));
-    EXPECT_EQ(document.highestNumber(), 3u);
-    EXPECT_EQ(document.add(make<Number>(4))->number(), 4u);
-}
-
-TEST(Document, ReferencesResolveWhileTheDocumentLives)
+TEST(Document, NumbersAndReferencesThatResolveWhileTheDocumentLives)
 {
     Ptr<Reference> outliving;
     Ptr<Number> number = make<Number>(8);
     {
         Document document;
-        Ptr<Stream> stream = make<Stream>("xyz");
-        const Ptr<Reference> toStream = document.add(stream);
+        document.put(3, 0, make<Number>(3));
+        document.put(7, 0, make<Number>(7));
+        EXPECT_EQ(document.add(make<Number>(8))->number(), 8u);
+        EXPECT_TRUE(document.remove(8));
+        EXPECT_TRUE(document.remove(7));
+        EXPECT_FALSE(document.remove(7));
         outliving = document.add(number);
-        EXPECT_EQ(toStream->asDict(), stream->dict());
-        EXPECT_EQ(toStream->asStream(), stream.get());
-        EXPECT_EQ(toStream->asNumber(), nullptr);
+        EXPECT_EQ(outliving->number(), 4u) << "one above the highest left";
         EXPECT_EQ(outliving->asNumber(), number.get());
-        EXPECT_EQ(make<Reference>(1, 0)->resolve(), nullptr) << "belongs to no document";
+        EXPECT_EQ(make<Reference>(4, 0)->resolve(), nullptr) << "belongs to no document";
 
         // A different generation, a missing number and a loop resolve to nothing.
-        const Ptr<Reference> toSecond = document.referenceTo(2);
+        const Ptr<Reference> toSecond = document.referenceTo(3);
         document.put(5, 1, make<Number>(1));
         EXPECT_NE(document.referenceTo(5)->resolve(), nullptr);
-        document.object(2)->setValue(document.put(3, 0, toSecond));
+        document.object(3)->setValue(document.put(6, 0, toSecond));
         EXPECT_EQ(toSecond->resolve(), nullptr);
         EXPECT_EQ(document.put(9, 0, nullptr)->resolve(), nullptr);
-        EXPECT_THROW(document.referenceTo(4), PdfException);
+        EXPECT_THROW(document.referenceTo(2), PdfException);
     }
     EXPECT_EQ(outliving->resolve(), nullptr) << "the document is gone";
     EXPECT_EQ(number->refCount(), 1) << "the document released its object";
-}
-
-std::string bytesOf(std::initializer_list<int> values)
-{
-    std::string bytes;
-    for (int value : values)
-        bytes.push_back(static_cast<char>(value));
-    return bytes;
 }
 
 Ptr<Dict> predictorParms(int predictor, int colors, int columns)
@@ -278,9 +254,6 @@ TEST(Stream, CompressionRoundTrip)
     ASSERT_LT(compressed.size(), original.size());
     EXPECT_EQ(stream->decode(), original);
     EXPECT_EQ(stream->data()->bytes(), compressed) << "decode leaves the stream alone";
-    // Writing brings Length up to the compressed size.
-    const std::string head = "<<\r\n/Filter /FlateDecode\r\n/Length " + std::to_string(compressed.size()) + "\r\n>>\r\n";
-    EXPECT_EQ(written(*stream).substr(0, head.size()), head);
     stream->removeFilter();
     EXPECT_EQ(stream->data()->bytes(), original);
     EXPECT_EQ(stream->dict()->get(names::Filter()), nullptr);
@@ -301,13 +274,11 @@ TEST(Stream, PngPredictorsAreUndone)
         std::string plain;
     } cases[] = {
         // One row of each type: sub, up, average, Paeth (with wrap-around), none.
-        {12, 1, 3, bytesOf({1, 1, 1, 1, 2, 1, 1, 1, 3, 2, 2, 2, 4, 1, 0, 255, 0, 9, 8, 7}),
-         bytesOf({1, 2, 3, 2, 3, 4, 3, 5, 6, 4, 5, 5, 9, 8, 7})},
+        {12, 1, 3, "\1\1\1\1" "\2\1\1\1" "\3\2\2\2" "\4\1\0\xFF" "\0\x09\x08\x07"s, "\1\2\3\2\3\4\3\5\6\4\5\5\x09\x08\x07"},
         // Three bytes a pixel: "left" is one pixel back.
-        {15, 3, 2, bytesOf({1, 10, 20, 30, 5, 5, 5, 4, 0, 0, 0, 250, 1, 2}),
-         bytesOf({10, 20, 30, 15, 25, 35, 10, 20, 30, 9, 26, 37})},
+        {15, 3, 2, "\1\x0A\x14\x1E\5\5\5" "\4\0\0\0\xFA\1\2"s, "\x0A\x14\x1E\x0F\x19\x23\x0A\x14\x1E\x09\x1A\x25"},
         // A short last row is decoded as far as it goes.
-        {10, 1, 4, bytesOf({1, 1, 1, 1, 1, 2, 5, 5}), bytesOf({1, 2, 3, 4, 6, 7})},
+        {10, 1, 4, "\1\1\1\1\1" "\2\5\5", "\1\2\3\4\6\7"},
     };
     for (const auto& c : cases) {
         Ptr<Stream> stream = streamWith(names::FlateDecode(), predictorParms(c.predictor, c.colors, c.columns),
@@ -321,7 +292,7 @@ TEST(Stream, PngPredictorsAreUndone)
 
 TEST(Stream, FilterArraysAreUndoneOneAtATime)
 {
-    const std::string predicted = bytesOf({0, 'a', 1, 'b', 0, 'c'});
+    const std::string predicted = "\0a\1b\0c"s;
     Ptr<Stream> stream = streamWith(arrayOf({names::FlateDecode(), names::FlateDecode()}),
                                     arrayOf({make<Null>(), predictorParms(11, 1, 1)}), flate::compress(flate::compress(predicted)));
     EXPECT_EQ(stream->decode(), "abc");
