@@ -71,12 +71,24 @@ std::vector<uint32_t> drawnOnCanvas(int width, int height, const std::function<v
     return readBitmapPixels(canvas.get()).pixels;
 }
 
+// Runs `checks` once, to pay for what is set up once per process, then five times more,
+// after which no GDI object may be left over.
+void expectNoLeak(const std::function<void()>& checks)
+{
+    checks();
+    const ResourceCounts before = countResources();
+    ASSERT_GE(before.gdiObjects, 0);
+    for (int round = 0; round < 5; ++round)
+        checks();
+    const ResourceCounts after = countResourcesSettled(before);
+    EXPECT_EQ(after.gdiObjects, before.gdiObjects) << after.describe();
+}
+
 } // namespace
 
 TEST(Bitmap, FreesOnlyOwnedHandlesAndNeverOneItHandedOnAndLoadsResources)
 {
     WindowDC screen;
-    HBITMAP created = nullptr;
     const struct {
         const char* what;
         bool owned, freed;
@@ -86,11 +98,9 @@ TEST(Bitmap, FreesOnlyOwnedHandlesAndNeverOneItHandedOnAndLoadsResources)
         {"destruction, owned", true, true, [](Bitmap&) {}},
         {"destruction, borrowed", false, false, [](Bitmap&) {}},
         {"create over it", true, true, [&](Bitmap& b) { b.create(screen.get(), 3, 3); }},
+        {"scale, owned", true, true, [](Bitmap& b) { b.scale(1.5); }},
         {"scale, borrowed", false, false, [](Bitmap& b) { b.scale(0.5); }},
-        {"detach", true, false, [](Bitmap& b) {
-             HBITMAP handle = b.handle();
-             EXPECT_EQ(b.detach(), handle);
-         }},
+        {"detach", true, false, [](Bitmap& b) { HBITMAP handle = b.handle(); EXPECT_EQ(b.detach(), handle); }},
         {"reset", true, false, [](Bitmap& b) { b.reset(); }},
         {"load over it", true, true, [](Bitmap& b) {
              b.load(kSystemBitmap, GetModuleHandleW(L"user32.dll"));
@@ -101,117 +111,87 @@ TEST(Bitmap, FreesOnlyOwnedHandlesAndNeverOneItHandedOnAndLoadsResources)
              b.load(kSystemBitmap, nullptr);
              EXPECT_FALSE(b.isValid());
          }},
-        // After a release the object owns what it makes next.
-        {"release borrowed, then create", false, false, [&](Bitmap& b) {
-             b.release();
-             EXPECT_FALSE(b.isValid());
-             b.create(screen.get(), 3, 3);
-             created = b.handle();
-         }},
     };
-    for (const auto& c : cases) {
-        HBITMAP handle = makeBitmap(6, 4, gradient);
+    expectNoLeak([&] {
+        for (const auto& c : cases) {
+            HBITMAP handle = makeBitmap(6, 4, gradient);
+            {
+                Bitmap bitmap;
+                bitmap.attach(handle, c.owned);
+                c.letGo(bitmap);
+            }
+            EXPECT_EQ(isLive(handle), !c.freed) << c.what;
+            DeleteObject(handle);
+        }
+        // After a release the object owns what it makes next.
+        HBITMAP borrowed = makeBitmap(2, 2, gradient), created = nullptr;
         {
             Bitmap bitmap;
-            bitmap.attach(handle, c.owned);
-            c.letGo(bitmap);
+            bitmap.attach(borrowed, false);
+            bitmap.release();
+            bitmap.create(screen.get(), 3, 3);
+            created = bitmap.handle();
         }
-        EXPECT_EQ(isLive(handle), !c.freed) << c.what;
-        DeleteObject(handle);
-    }
-    ASSERT_NE(created, nullptr);
-    EXPECT_FALSE(isLive(created)) << "owned again after release";
+        EXPECT_TRUE(isLive(borrowed));
+        EXPECT_FALSE(isLive(created)) << "owned again after release";
+        DeleteObject(borrowed);
+    });
 }
 
-TEST(Bitmap, DrawCopiesTheBitmapOrAPartLeavingOutATransparentColour)
+TEST(Bitmap, DrawCopyFromAndScaleGiveThePixelsExpected)
 {
     const uint32_t key = rgb(255, 0, 255);
-    const PixelPattern pattern = [&](int x, int y) { return (x + y) % 3 == 0 ? key : gradient(x, y); };
-    for (bool keyed : {false, true}) {
-        Bitmap bitmap;
-        bitmap.attach(makeBitmap(9, 7, pattern), true);
-        if (keyed)
-            bitmap.setTransparentColor(RGB(255, 0, 255));
-        const uint32_t hole = keyed ? key : 0xFFFFFFFF;
-        EXPECT_EQ(drawnOnCanvas(12, 10, [&](HDC dc) { bitmap.draw(dc, 2, 1); }),
-                  expectedCanvas(12, 10, {2, 1, 11, 8}, 0, 0, pattern, hole))
-            << keyed;
-        EXPECT_EQ(drawnOnCanvas(6, 6, [&](HDC dc) { bitmap.draw(dc, 1, 2, 3, 2, 4, 3); }),
-                  expectedCanvas(6, 6, {1, 2, 4, 4}, 4, 3, pattern, hole))
-            << keyed;
-    }
-}
-
-TEST(Bitmap, CopyFromTakesWhatTheScreenShows)
-{
+    const PixelPattern keyed = [&](int x, int y) { return (x + y) % 3 == 0 ? key : gradient(x, y); };
     const RECT area = {200, 150, 264, 198};
-    const PixelPattern pattern = [](int x, int y) { return rgb(3 * x, 4 * y, 90); };
-    TestWindow window(area, pattern);
+    const PixelPattern onScreen = [](int x, int y) { return rgb(3 * x, 4 * y, 90); };
+    TestWindow window(area, onScreen);
     ASSERT_TRUE(window.showAndWait());
-    WindowDC screen;
-    Bitmap whole;
-    whole.create(screen.get(), 64, 48);
-    whole.copyFrom(screen.get(), area.left, area.top);
-    EXPECT_EQ(readBitmapPixels(whole.handle()).pixels, pixelsOf(64, 48, pattern));
-    Bitmap part;
-    part.attach(makeBitmap(30, 20, [](int, int) { return kBackground; }), true);
-    part.copyFrom(screen.get(), area.left + 10, area.top + 5, 20, 10, 3, 2);
-    EXPECT_EQ(readBitmapPixels(part.handle()).pixels, expectedCanvas(30, 20, {3, 2, 23, 12}, 10, 5, pattern));
-}
-
-TEST(Bitmap, ScaleTruncatesTheSizeAndStretchesThePixels)
-{
     // Four solid quadrants of a width x height area.
     const auto quadrants = [](double width, double height) -> PixelPattern {
         return [=](int x, int y) { return rgb(x < width / 2 ? 255 : 0, y < height / 2 ? 255 : 0, 90); };
     };
-    for (double factor : {1.5, 0.5}) {
-        Bitmap bitmap;
-        bitmap.attach(makeBitmap(101, 51, quadrants(100, 50)), true);
-        HBITMAP original = bitmap.handle();
-        bitmap.scale(factor);
-        EXPECT_FALSE(isLive(original)) << "the owned original is freed";
-        BitmapHandle copy(bitmap.copy());
-        const PixelGrid scaled = readBitmapPixels(copy.get());
-        ASSERT_EQ(scaled.width, static_cast<int>(101 * factor));
-        ASSERT_EQ(scaled.height, static_cast<int>(51 * factor));
-        EXPECT_EQ(scaled.pixels, readBitmapPixels(bitmap.handle()).pixels) << "a copy shows the same";
-        const PixelPattern expected = quadrants(100 * factor, 50 * factor);
-        for (int y = 0; y < scaled.height; ++y)
-            for (int x = 0; x < scaled.width; ++x) {
-                // Away from the edges between the quadrants, where neighbours mix.
-                if (std::abs(x + 0.5 - 50 * factor) > 3 && std::abs(y + 0.5 - 25 * factor) > 3) {
-                    ASSERT_EQ(scaled.at(x, y), expected(x, y)) << factor << ": " << x << "," << y;
-                }
-            }
-    }
-}
-
-TEST(Bitmap, ManyOperationsLeakNoGdiObjects)
-{
     WindowDC screen;
-    const auto exercise = [&] {
-        for (int i = 0; i < 20; ++i) {
+    expectNoLeak([&] {
+        // Drawn whole or in part, leaving out the transparent colour once it is set.
+        for (uint32_t hole : {0xFFFFFFFFu, key}) {
             Bitmap bitmap;
-            bitmap.create(screen.get(), 20, 20);
-            bitmap.copyFrom(screen.get(), i, i);
-            drawnOnCanvas(40, 40, [&](HDC dc) { bitmap.draw(dc, 1, 1); });
-            bitmap.setTransparentColor(RGB(0, 0, 0));
-            drawnOnCanvas(40, 40, [&](HDC dc) { bitmap.draw(dc, 2, 2, 5, 5, 1, 1); });
-            bitmap.scale(1.5);
-            DeleteObject(bitmap.copy());
-            bitmap.load(kSystemBitmap, GetModuleHandleW(L"user32.dll"));
-            HBITMAP borrowed = makeBitmap(4, 4, gradient);
-            bitmap.attach(borrowed, false);
-            bitmap.release();
-            bitmap.attach(borrowed, true);
+            bitmap.attach(makeBitmap(9, 7, keyed), true);
+            if (hole == key)
+                bitmap.setTransparentColor(RGB(255, 0, 255));
+            EXPECT_EQ(drawnOnCanvas(12, 10, [&](HDC dc) { bitmap.draw(dc, 2, 1); }),
+                      expectedCanvas(12, 10, {2, 1, 11, 8}, 0, 0, keyed, hole));
+            EXPECT_EQ(drawnOnCanvas(6, 6, [&](HDC dc) { bitmap.draw(dc, 1, 2, 3, 2, 4, 3); }),
+                      expectedCanvas(6, 6, {1, 2, 4, 4}, 4, 3, keyed, hole));
         }
-    };
-    exercise();
-    const ResourceCounts before = countResources();
-    ASSERT_GE(before.gdiObjects, 0);
-    for (int round = 0; round < 5; ++round)
-        exercise();
-    const ResourceCounts after = countResourcesSettled(before);
-    EXPECT_EQ(after.gdiObjects, before.gdiObjects) << after.describe();
+
+        // Copied from the screen, whole or in part.
+        Bitmap whole;
+        whole.create(screen.get(), 64, 48);
+        whole.copyFrom(screen.get(), area.left, area.top);
+        EXPECT_EQ(readBitmapPixels(whole.handle()).pixels, pixelsOf(64, 48, onScreen));
+        Bitmap part;
+        part.attach(makeBitmap(30, 20, [](int, int) { return kBackground; }), true);
+        part.copyFrom(screen.get(), area.left + 10, area.top + 5, 20, 10, 3, 2);
+        EXPECT_EQ(readBitmapPixels(part.handle()).pixels, expectedCanvas(30, 20, {3, 2, 23, 12}, 10, 5, onScreen));
+
+        // Scaled to the truncated size, and copied.
+        for (double factor : {1.5, 0.5}) {
+            Bitmap bitmap;
+            bitmap.attach(makeBitmap(101, 51, quadrants(100, 50)), true);
+            bitmap.scale(factor);
+            BitmapHandle copy(bitmap.copy());
+            const PixelGrid scaled = readBitmapPixels(copy.get());
+            ASSERT_EQ(scaled.width, static_cast<int>(101 * factor));
+            ASSERT_EQ(scaled.height, static_cast<int>(51 * factor));
+            EXPECT_EQ(scaled.pixels, readBitmapPixels(bitmap.handle()).pixels) << "a copy shows the same";
+            const PixelPattern expected = quadrants(100 * factor, 50 * factor);
+            for (int y = 0; y < scaled.height; ++y)
+                for (int x = 0; x < scaled.width; ++x) {
+                    // Away from the edges between the quadrants, where neighbours mix.
+                    if (std::abs(x + 0.5 - 50 * factor) > 3 && std::abs(y + 0.5 - 25 * factor) > 3) {
+                        ASSERT_EQ(scaled.at(x, y), expected(x, y)) << factor << ": " << x << "," << y;
+                    }
+                }
+        }
+    });
 }
