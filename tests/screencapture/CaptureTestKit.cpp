@@ -9,22 +9,10 @@
 
 PixelGrid imagePixels(Gdiplus::Bitmap& image)
 {
-    PixelGrid grid;
-    grid.width = static_cast<int>(image.GetWidth());
-    grid.height = static_cast<int>(image.GetHeight());
-    Gdiplus::Rect all(0, 0, grid.width, grid.height);
-    Gdiplus::BitmapData data = {};
-    if (image.LockBits(&all, Gdiplus::ImageLockModeRead, PixelFormat32bppRGB, &data) != Gdiplus::Ok)
+    HBITMAP bitmap = nullptr;
+    if (image.GetHBITMAP(Gdiplus::Color(0, 0, 0), &bitmap) != Gdiplus::Ok)
         return PixelGrid();
-    grid.pixels.resize(static_cast<size_t>(grid.width) * grid.height);
-    for (int y = 0; y < grid.height; ++y) {
-        const auto* row = static_cast<const uint8_t*>(data.Scan0) + static_cast<ptrdiff_t>(y) * data.Stride;
-        std::memcpy(&grid.pixels[static_cast<size_t>(y) * grid.width], row, static_cast<size_t>(grid.width) * 4);
-    }
-    image.UnlockBits(&data);
-    for (uint32_t& p : grid.pixels)
-        p &= 0xFFFFFF;
-    return grid;
+    return readBitmapPixels(BitmapHandle(bitmap).get());
 }
 
 PixelGrid pngFilePixels(const ZString& path)

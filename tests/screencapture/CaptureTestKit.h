@@ -1,6 +1,5 @@
 #pragma once
-// What the capture tests share: a GDI+ session per test, pixels of GDI+ images and of PNG
-// files, and putting things on the clipboard.
+// What the capture tests share.
 
 #include "screencapture/GdiplusSession.h"
 #include "tests/support/ScratchEnvironment.h"
@@ -11,7 +10,7 @@
 #include <memory>
 #include <vector>
 
-// Scratch settings, temp and language folders, and GDI+ for each test.
+// Scratch settings, temp and language folders, and GDI+.
 class CaptureTest : public testing::Test {
 protected:
     ScratchEnvironment env;
@@ -24,9 +23,8 @@ PixelGrid pngFilePixels(const ZString& path);
 // Full paths of the files in `folder` whose names start with `prefix`.
 std::vector<ZString> filesIn(const ZString& folder, const wchar_t* prefix);
 
-// The clipboard's formats in enumeration order.
-std::vector<UINT> clipboardFormats();
-// Replaces the clipboard's content; the clipboard takes the bitmap.
+std::vector<UINT> clipboardFormats(); // in enumeration order
+// Replace the clipboard's content; the clipboard takes the bitmap.
 bool putBitmapOnClipboard(HBITMAP bitmap);
 bool putTextOnClipboard(const wchar_t* text);
 
@@ -48,5 +46,4 @@ public:
     PngEditVerb& operator=(const PngEditVerb&) = delete;
 };
 
-// An easy pattern to tell pixels apart by.
-uint32_t gradientPattern(int x, int y);
+uint32_t gradientPattern(int x, int y); // pixels easy to tell apart
