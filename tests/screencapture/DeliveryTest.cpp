@@ -1,12 +1,23 @@
+// The picture of a capture on its way to each target.
+
 #include "base/win/KernelHandle.h"
+#include "base/win/RegistryKey.h"
 #include "base/win/TempFolder.h"
+#include "base/win/ThisModule.h"
+#include "screencapture/AssistantHandOff.h"
 #include "screencapture/Delivery.h"
+#include "screencapture/PdfDelivery.h"
 #include "screencapture/ScreenCapture.h"
 #include "tests/screencapture/CaptureTestKit.h"
 #include "tests/support/HelperProcess.h"
 #include "tests/support/UiRobot.h"
+#include "zpdf/PdfException.h"
 
 #include <shlwapi.h>
+
+#include <filesystem>
+#include <fstream>
+#include <tuple>
 
 namespace screenCapture {
 namespace {
@@ -24,21 +35,27 @@ struct NoteRecorder {
     TrayNote previous = trayNote;
 };
 
-std::unique_ptr<ScreenCapture> grabPattern(const RECT& area)
-{
-    auto window = showPattern(area, gradientPattern);
-    auto capture = std::make_unique<ScreenCapture>(nullptr);
-    capture->grab(screen);
-    return capture;
-}
-
 bool fileExists(const ZString& path) { return PathFileExistsW(path.c_str()) != FALSE; }
-
 std::vector<ZString> temporaryPngs() { return filesIn(moduleTempFolder(), L"screenCapture_"); }
+std::vector<ZString> temporaryPdfs() { return filesIn(moduleTempFolder(), L"screenCapture-"); }
 
-using Delivery = CaptureTest;
+// A screen grab with a known pattern on it, smooth so that JPEG stays close to it.
+class Delivery : public CaptureTest {
+protected:
+    void SetUp() override
+    {
+        window = showPattern({100, 80, 740, 560}, [](int x, int y) { return rgb(x * 255 / 640, y * 255 / 480, 128); });
+        capture.grab(screen);
+        ASSERT_NE(capture.image(), nullptr);
+        captured = imagePixels(*capture.image());
+    }
 
-TEST_F(Delivery, NamesSayWhatWasCapturedAndFilesEndInPng)
+    std::unique_ptr<TestWindow> window;
+    ScreenCapture capture{nullptr};
+    PixelGrid captured;
+};
+
+TEST(DeliveryNames, SayWhatWasCapturedAndFilesEndInPng)
 {
     const ZString title200(200, L't'), title201(201, L't');
     const struct {
@@ -64,15 +81,12 @@ TEST_F(Delivery, NamesSayWhatWasCapturedAndFilesEndInPng)
 
 TEST_F(Delivery, ClipboardGetsOnlyTheBitmapAndTheUserANote)
 {
-    auto capture = grabPattern({100, 100, 260, 220});
-    ASSERT_NE(capture->image(), nullptr);
     putTextOnClipboard(L"old content");
     NoteRecorder recorder;
-    deliver(screen, toClipboard, *capture);
+    deliver(screen, toClipboard, capture);
 
     const std::vector<UINT> formats = clipboardFormats();
-    ASSERT_FALSE(formats.empty());
-    EXPECT_EQ(formats.front(), static_cast<UINT>(CF_BITMAP));
+    EXPECT_EQ(formats.at(0), static_cast<UINT>(CF_BITMAP));
     for (UINT format : formats) {
         // The system offers DIB forms of a bitmap by itself; nothing else may be there.
         EXPECT_TRUE(format == CF_BITMAP || format == CF_DIB || format == CF_DIBV5 || format == CF_PALETTE) << format;
@@ -80,7 +94,7 @@ TEST_F(Delivery, ClipboardGetsOnlyTheBitmapAndTheUserANote)
     ASSERT_TRUE(OpenClipboard(nullptr));
     const PixelGrid onClipboard = readBitmapPixels(static_cast<HBITMAP>(GetClipboardData(CF_BITMAP)));
     CloseClipboard();
-    EXPECT_TRUE(onClipboard.pixels == imagePixels(*capture->image()).pixels);
+    EXPECT_TRUE(onClipboard.pixels == captured.pixels);
 
     ASSERT_EQ(notes.size(), 1u);
     EXPECT_EQ(notes[0].first, ZString(L"Note"));
@@ -89,17 +103,16 @@ TEST_F(Delivery, ClipboardGetsOnlyTheBitmapAndTheUserANote)
 
 TEST_F(Delivery, ImageEditorOpensATemporaryPngWithTheEditVerb)
 {
-    auto capture = grabPattern({100, 100, 260, 220});
     CommandRecorder recorder(env.folder());
     PngEditVerb verb(CommandRecorder::commandFor(L"\"%1\""));
-    deliver(screen, imageEditor, *capture);
+    deliver(screen, imageEditor, capture);
 
     ASSERT_TRUE(recorder.waitForLines(1)) << "the edit verb's program was not started";
     const std::string line = recorder.lines().front();
     const std::vector<ZString> pngs = temporaryPngs();
     ASSERT_EQ(pngs.size(), 1u);
     EXPECT_NE(line.find(pngs.front().toUtf8()), std::string::npos) << line;
-    EXPECT_TRUE(pngFilePixels(pngs.front()).pixels == imagePixels(*capture->image()).pixels) << "left for the editor";
+    EXPECT_TRUE(pngFilePixels(pngs.front()).pixels == captured.pixels) << "left for the editor";
 }
 
 // Fills the save dialog with `typed` (or cancels it when empty) and notes the suggestion
@@ -139,8 +152,6 @@ private:
 
 TEST_F(Delivery, FileTargetSavesUnderTheChosenNameWithPngExtension)
 {
-    auto capture = grabPattern({100, 100, 260, 220});
-    const PixelGrid expected = imagePixels(*capture->image());
     const ZString folder = env.folder();
     const struct {
         const wchar_t* typed;
@@ -148,24 +159,23 @@ TEST_F(Delivery, FileTargetSavesUnderTheChosenNameWithPngExtension)
     } cases[] = {{L"shot.PNG", L"shot.PNG"}, {L"a.pn", L"a.pn.png"}};
     for (const auto& c : cases) {
         SaveDialogRobot robot((folder + L"\\" + c.typed).c_str());
-        deliver(screen, file, *capture);
+        deliver(screen, file, capture);
         ASSERT_EQ(robot.finish(), "");
         EXPECT_EQ(robot.suggestion, L"Screen capture");
         const ZString saved = folder + L"\\" + c.saved;
         ASSERT_TRUE(fileExists(saved)) << saved.toUtf8();
-        EXPECT_TRUE(pngFilePixels(saved).pixels == expected.pixels) << saved.toUtf8();
+        EXPECT_TRUE(pngFilePixels(saved).pixels == captured.pixels) << saved.toUtf8();
     }
 
     const size_t pngsBefore = temporaryPngs().size();
     SaveDialogRobot cancel(L"");
-    deliver(screen, file, *capture);
+    deliver(screen, file, capture);
     ASSERT_EQ(cancel.finish(), "");
     EXPECT_EQ(temporaryPngs().size(), pngsBefore) << "cancel writes nothing";
 }
 
 TEST_F(Delivery, FailedCopyOffersRetryAndKeepsTheTemporaryPng)
 {
-    auto capture = grabPattern({100, 100, 160, 160});
     const ZString destination = env.folder() + L"\\locked.png";
     // Held open without sharing, the destination cannot be written.
     KernelHandle locked(CreateFileW(destination.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
@@ -185,7 +195,7 @@ TEST_F(Delivery, FailedCopyOffersRetryAndKeepsTheTemporaryPng)
         boxes.push_back(readMessageBox(box));
         pressButton(box, IDCANCEL);
     });
-    deliver(screen, file, *capture);
+    deliver(screen, file, capture);
     ASSERT_EQ(dialog.finish(), "");
     ASSERT_EQ(errors.finish(), "");
 
@@ -201,6 +211,170 @@ TEST_F(Delivery, FailedCopyOffersRetryAndKeepsTheTemporaryPng)
     EXPECT_EQ(boxes[0].buttons, (std::vector<int>{IDCANCEL, IDRETRY}));
     // Retry means five more tries 100 ms apart before the box comes back.
     EXPECT_GE(secondBoxAt - firstBoxAt, 400u);
+}
+
+// A window of one of the classes the hand-off looks for, recording what it is sent.
+class FakeAssistantWindow {
+public:
+    explicit FakeAssistantWindow(const wchar_t* className)
+    {
+        WNDCLASSW windowClass = {};
+        windowClass.lpfnWndProc = proc;
+        windowClass.hInstance = GetModuleHandleW(nullptr);
+        windowClass.lpszClassName = className;
+        RegisterClassW(&windowClass);
+        window_ = CreateWindowExW(0, className, L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, nullptr, this);
+    }
+    ~FakeAssistantWindow() { DestroyWindow(window_); }
+
+    std::vector<std::wstring> received;
+    std::vector<ULONG_PTR> codes;
+
+private:
+    static LRESULT CALLBACK proc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        if (message == WM_NCCREATE)
+            SetWindowLongPtrW(window, GWLP_USERDATA,
+                              reinterpret_cast<LONG_PTR>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams));
+        auto* self = reinterpret_cast<FakeAssistantWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (message == WM_COPYDATA && self) {
+            const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
+            self->codes.push_back(data->dwData);
+            self->received.emplace_back(static_cast<const wchar_t*>(data->lpData), data->cbData / sizeof(wchar_t) - 1);
+            return TRUE;
+        }
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
+    HWND window_ = nullptr;
+};
+
+// Where the PDFs of these tests are kept for the checks that only Linux tools can make
+// (qpdf, pdfimages, pdftoppm); run by ctest after this program.
+ZString artifactFolder()
+{
+    static const ZString folder = [] {
+        const ZString path = joinPath(moduleFolder(GetModuleHandleW(nullptr)), L"..\\test-artifacts\\pdf");
+        std::error_code ignored;
+        std::filesystem::remove_all(path.c_str(), ignored);
+        createFolderTree(path);
+        return path;
+    }();
+    return folder;
+}
+
+// Keeps `pdf` as NAME.pdf with the captured pixels (NAME.ppm) and what its one image must
+// be (NAME.expect: width, height and the encoding pdfimages reports).
+void keepForChecks(const ZString& pdf, const char* name, const PixelGrid& pixels)
+{
+    const ZString base = joinPath(artifactFolder(), ZString::fromUtf8(name));
+    ASSERT_TRUE(CopyFileW(pdf.c_str(), (base + L".pdf").c_str(), FALSE));
+    std::ofstream ppm(std::filesystem::path((base + L".ppm").c_str()), std::ios::binary);
+    ppm << "P6\n" << pixels.width << " " << pixels.height << "\n255\n";
+    for (uint32_t p : pixels.pixels)
+        ppm << static_cast<char>(p >> 16) << static_cast<char>(p >> 8) << static_cast<char>(p);
+    std::ofstream(std::filesystem::path((base + L".expect").c_str()))
+        << pixels.width << " " << pixels.height << " jpeg\n";
+}
+
+TEST_F(Delivery, ScreenWithoutTargetBecomesAPdfHandedToTheAssistant)
+{
+    FakeAssistantWindow assistant(L"Pryxa_Assistent");
+    deliver(screen, noTarget, capture);
+
+    const std::vector<ZString> pdfs = temporaryPdfs();
+    ASSERT_EQ(pdfs.size(), 1u);
+    const ZString pdf = pdfs.front();
+    EXPECT_TRUE(ZString(PathFindFileNameW(pdf.c_str())).startsWith(L"screenCapture-_")) << pdf.toUtf8();
+    EXPECT_TRUE(pdf.endsWith(L".pdf"));
+    ASSERT_EQ(assistant.received.size(), 1u);
+    EXPECT_EQ(assistant.codes.front(), kCommandLineCopyData);
+    EXPECT_EQ(ZString(assistant.received.front().c_str()), L"-deleteFile -name \"Screen capture\" " + quoteArgument(pdf));
+    keepForChecks(pdf, "screen", captured);
+}
+
+TEST_F(Delivery, TheSuiteWindowComesBeforeTheAssistant)
+{
+    FakeAssistantWindow assistant(L"Pryxa_Assistent");
+    FakeAssistantWindow suite(L"Pryxa_Creator");
+    deliver(screen, pdfPrinter, capture);
+    EXPECT_EQ(suite.received.size(), 1u);
+    EXPECT_TRUE(assistant.received.empty());
+}
+
+bool failingConversion(const imageToPdf::ConversionOptions&, Gdiplus::Image&, zpdf::Document&)
+{
+    throw zpdf::PdfException("Only GRAY or RGB supported");
+}
+
+TEST_F(Delivery, FailedPdfConversionTellsTheUserAndWritesNoFile)
+{
+    FakeAssistantWindow assistant(L"Pryxa_Assistent");
+    const PdfConversion previous = pdfConversion;
+    pdfConversion = failingConversion;
+    MessageBoxInfo box;
+    UiRobot robot([&](UiRobot& r) {
+        HWND found = r.waitForWindow(L"#32770", L"Error");
+        box = readMessageBox(found);
+        pressButton(found, IDOK);
+    });
+    deliver(screen, pdfPrinter, capture);
+    pdfConversion = previous;
+    ASSERT_EQ(robot.finish(), "");
+    EXPECT_EQ(box.text, L"Could not create PDF file");
+    EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONWARNING));
+    EXPECT_TRUE(temporaryPdfs().empty());
+    EXPECT_TRUE(assistant.received.empty());
+}
+
+TEST_F(Delivery, RunningDocumentToolGetsThePdfInItsDropFolderOnly)
+{
+    FakeAssistantWindow assistant(L"Pryxa_Assistent");
+    CommandRecorder recorder(env.folder());
+    MutexHolder documentTool(L"Pryxa-DocTool-Sink");
+    ASSERT_TRUE(documentTool.holding());
+    deliver(screen, pdfPrinter, capture);
+
+    EXPECT_TRUE(temporaryPdfs().empty()) << "the source is deleted after the copy";
+    const std::vector<ZString> dropped = filesIn(joinPath(moduleTempFolder(), L"Pryxa\\DocToolSink"), L"screenCapture-");
+    ASSERT_EQ(dropped.size(), 1u);
+    EXPECT_TRUE(assistant.received.empty()) << "nothing is sent";
+    pumpMessages(300);
+    EXPECT_TRUE(recorder.lines().empty()) << "nothing is started";
+    keepForChecks(dropped.front(), "dropped", captured);
+}
+
+TEST_F(Delivery, WithoutAnyWindowTheAssistantIsStartedFromBinDir)
+{
+    const ZString binDir = env.folder() + L"\\Pryxa Bin";
+    createFolderTree(binDir);
+    ASSERT_TRUE(CommandRecorder::installAs(binDir + L"\\pryxa-Assistant.exe"));
+    RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program").writeString(L"BinDir", binDir);
+    CommandRecorder recorder(env.folder());
+    deliver(screen, pdfPrinter, capture);
+
+    ASSERT_TRUE(recorder.waitForLines(1));
+    const std::vector<ZString> pdfs = temporaryPdfs();
+    ASSERT_EQ(pdfs.size(), 1u);
+    const std::string line = recorder.lines().front();
+    const std::string arguments = "-deleteFile -name \"Screen capture\" " + quoteArgument(pdfs.front()).toUtf8();
+    ASSERT_GE(line.size(), arguments.size());
+    EXPECT_EQ(line.substr(line.size() - arguments.size()), arguments) << line;
+    EXPECT_NE(line.find("Pryxa Bin\\pryxa-Assistant.exe"), std::string::npos) << line;
+}
+
+TEST(PdfOptions, ConfiguredValuesAreReadButTheQualityIsAlwaysFull)
+{
+    ScratchEnvironment env;
+    const auto read = [] {
+        const imageToPdf::ConversionOptions o = pdfOptionsFromConfiguration();
+        return std::tuple(o.dpi, o.jpegQuality, o.passThroughJpg, o.optForA4);
+    };
+    EXPECT_EQ(read(), std::tuple(144, 100, true, true));
+    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+    for (const auto& [name, value] : {std::pair(L"Img2PdfDpi", 300), {L"Img2PdfJpegQuality", 40},
+                                      {L"Img2PdfPassThroughJpg", 0}, {L"Img2PdfOptForA4", 0}})
+        ASSERT_TRUE(program.writeDword(name, value));
+    EXPECT_EQ(read(), std::tuple(300, 100, false, false)) << "a capture is always encoded at full quality";
 }
 
 } // namespace
