@@ -12,15 +12,6 @@ auto sides(const RECT& r)
     return std::tuple(r.left, r.top, r.right, r.bottom);
 }
 
-TEST(SelectionGeometry, SelectionIsTheSameWhicheverWayItWasDraggedAndEmptyForAClick)
-{
-    const POINT a = {10, 20}, b = {110, 70};
-    const std::pair<POINT, POINT> drags[] = {{a, b}, {b, a}, {{10, 70}, {110, 20}}, {{110, 20}, {10, 70}}};
-    for (const auto& [start, current] : drags)
-        EXPECT_EQ(sides(selectionRect(start, current)), sides({10, 20, 110, 70})) << start.x << "," << start.y;
-    EXPECT_EQ(sides(selectionRect({40, 50}, {40, 50})), sides({40, 50, 40, 50}));
-}
-
 TEST(SelectionGeometry, DamagedAreaCoversTheOldSelectionAndTheNewPoint)
 {
     struct Case {
