@@ -58,11 +58,7 @@ int countKernelHandles()
         void* object;
         ULONG_PTR processId;
         ULONG_PTR handleValue;
-        ULONG grantedAccess;
-        USHORT creatorBackTraceIndex;
-        USHORT objectTypeIndex;
-        ULONG attributes;
-        ULONG reserved;
+        ULONG rest[4]; // access, back trace and type indexes, attributes, reserved
     };
     struct Information {
         ULONG_PTR count;

@@ -25,10 +25,8 @@ PixelGrid readBitmapPixels(HBITMAP bitmap)
     BITMAP header = {};
     if (!bitmap || !GetObjectW(bitmap, sizeof header, &header))
         return PixelGrid();
-    PixelGrid grid;
-    grid.width = header.bmWidth;
-    grid.height = header.bmHeight;
-    grid.pixels.resize(static_cast<size_t>(grid.width) * grid.height);
+    PixelGrid grid{header.bmWidth, header.bmHeight,
+                   std::vector<uint32_t>(static_cast<size_t>(header.bmWidth) * header.bmHeight)};
     BITMAPINFO info = topDownDibHeader(grid.width, grid.height, 32);
     WindowDC screen;
     if (GetDIBits(screen.get(), bitmap, 0, grid.height, grid.pixels.data(), &info, DIB_RGB_COLORS) != grid.height)
