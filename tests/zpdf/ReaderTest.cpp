@@ -178,7 +178,7 @@ struct Good {
     std::size_t xrefAt;
     Good()
     {
-        pdf.pageTree(612, " /Contents 4 0 R");
+        pdf.pageTree(" /Contents 4 0 R");
         contentsAt = pdf.object(4, "<</Length 5 0 R>>\nstream\n0 0 m 100 100 l S\nendstream");
         pdf.object(5, "17");
         xrefAt = pdf.table("/Root 1 0 R");

@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
+#include <utility>
 
 #ifndef _WIN32
 #include <sys/wait.h>
@@ -43,11 +43,10 @@ int run([[maybe_unused]] const std::string& command, [[maybe_unused]] std::strin
 std::string temporaryPath(const char* suffix)
 {
     static std::atomic<int> counter{0};
-    std::ostringstream name;
     // The clock keeps concurrent test processes apart, the counter calls within one.
-    name << "zpdf_test_" << std::hex << std::chrono::system_clock::now().time_since_epoch().count() << '_'
-         << counter++ << suffix;
-    return (std::filesystem::temp_directory_path() / name.str()).u8string();
+    const std::string name = "zpdf_test_" + std::to_string(std::chrono::system_clock::now().time_since_epoch().count()) + "_"
+                             + std::to_string(counter++) + suffix;
+    return (std::filesystem::temp_directory_path() / name).u8string();
 }
 
 std::string writeChecked(zpdf::Document& document, std::string* info)
@@ -86,20 +85,20 @@ std::string page(int width, const std::string& entries)
     return "<</Type /Page /Parent 2 0 R /MediaBox [0 0 " + std::to_string(width) + " 792]" + entries + ">>";
 }
 
-std::size_t PdfBuilder::object(std::uint32_t number, const std::string& body, std::uint16_t generation)
+std::size_t PdfBuilder::object(std::uint32_t number, const std::string& body)
 {
     const std::size_t at = bytes.size();
-    bytes += std::to_string(number) + " " + std::to_string(generation) + " obj\n" + body + "\nendobj\n";
-    pending_[number] = Entry{1, at, generation};
+    bytes += std::to_string(number) + " 0 obj\n" + body + "\nendobj\n";
+    pending_[number] = Entry{1, at, 0};
     highest_ = std::max(highest_, number);
     return at;
 }
 
-void PdfBuilder::pageTree(int width, const std::string& pageEntries)
+void PdfBuilder::pageTree(const std::string& pageEntries)
 {
     object(1, catalog);
     object(2, pages);
-    object(3, page(width, pageEntries));
+    object(3, page(612, pageEntries));
 }
 
 std::size_t PdfBuilder::objectStream(std::uint32_t number, const std::vector<std::pair<std::uint32_t, std::string>>& members,
@@ -110,7 +109,7 @@ std::size_t PdfBuilder::objectStream(std::uint32_t number, const std::vector<std
     for (std::size_t i = 0; i < members.size(); ++i) {
         header += std::to_string(members[i].first) + " " + std::to_string(bodies.size()) + " ";
         bodies += members[i].second + "\n";
-        pending_[members[i].first] = Entry{2, number, i};
+        pending_[members[i].first] = Entry{2, number, static_cast<unsigned>(i)};
         highest_ = std::max(highest_, members[i].first);
     }
     const std::string data = compressed ? zpdf::flate::compress(header + bodies) : header + bodies;
@@ -119,32 +118,22 @@ std::size_t PdfBuilder::objectStream(std::uint32_t number, const std::vector<std
                               + " /Length " + std::to_string(data.size()) + ">>\nstream\n" + data + "\nendstream");
 }
 
-std::vector<std::pair<std::uint32_t, std::vector<PdfBuilder::Entry>>> PdfBuilder::takeRuns()
+std::map<std::uint32_t, PdfBuilder::Entry> PdfBuilder::takeEntries()
 {
     if (lastSection == 0)
         pending_[0] = Entry{0, 0, 65535};
-    std::vector<std::pair<std::uint32_t, std::vector<Entry>>> runs;
-    for (const auto& [number, entry] : pending_) {
-        if (runs.empty() || runs.back().first + runs.back().second.size() != number)
-            runs.emplace_back(number, std::vector<Entry>());
-        runs.back().second.push_back(entry);
-    }
-    pending_.clear();
-    return runs;
+    return std::exchange(pending_, {});
 }
 
 std::size_t PdfBuilder::table(const std::string& trailerEntries)
 {
     const std::size_t at = bytes.size();
     bytes += "xref\n";
-    for (const auto& [first, entries] : takeRuns()) {
-        bytes += std::to_string(first) + " " + std::to_string(entries.size()) + "\n";
-        for (const Entry& entry : entries) {
-            char line[32];
-            std::snprintf(line, sizeof line, "%010llu %05llu %c\r\n", static_cast<unsigned long long>(entry.field2),
-                          static_cast<unsigned long long>(entry.field3), entry.type == 1 ? 'n' : 'f');
-            bytes += line;
-        }
+    for (const auto& [number, e] : takeEntries()) {
+        char line[48];
+        std::snprintf(line, sizeof line, "%u 1\n%010llu %05u %c\r\n", number, static_cast<unsigned long long>(e.field2),
+                      e.field3, e.type == 1 ? 'n' : 'f');
+        bytes += line;
     }
     bytes += "trailer\n<</Size " + std::to_string(highest_ + 1) + " " + trailerEntries + ">>\n";
     return finish(at);
@@ -158,17 +147,15 @@ std::size_t PdfBuilder::xrefStream(std::uint32_t number, const std::string& trai
     std::string rows;
     std::string index;
     std::string above(7, '\0');
-    for (const auto& [first, entries] : takeRuns()) {
-        index += std::to_string(first) + " " + std::to_string(entries.size()) + " ";
-        for (const Entry& e : entries) {
-            const char row[7] = {char(e.type),       char(e.field2 >> 24), char(e.field2 >> 16), char(e.field2 >> 8),
-                                 char(e.field2),     char(e.field3 >> 8),  char(e.field3)};
-            if (predicted)
-                rows += '\2'; // Up: each byte minus the one above
-            for (int i = 0; i < 7; ++i)
-                rows += predicted ? char(row[i] - above[i]) : row[i];
-            above.assign(row, 7);
-        }
+    for (const auto& [n, e] : takeEntries()) {
+        index += std::to_string(n) + " 1 ";
+        const char row[7] = {char(e.type),   char(e.field2 >> 24), char(e.field2 >> 16), char(e.field2 >> 8),
+                             char(e.field2), char(e.field3 >> 8),  char(e.field3)};
+        if (predicted)
+            rows += '\2'; // Up: each byte minus the one above
+        for (int i = 0; i < 7; ++i)
+            rows += predicted ? char(row[i] - above[i]) : row[i];
+        above.assign(row, 7);
     }
     const std::string data = predicted ? zpdf::flate::compress(rows) : rows;
     bytes += std::to_string(number) + " 0 obj\n<</Type /XRef /Size " + std::to_string(highest_ + 1) + " /W [1 4 2] /Index ["

@@ -42,16 +42,15 @@ std::string page(int width, const std::string& entries = "");
 // object streams, incremental updates.
 class PdfBuilder {
 public:
-    // Appends "N G obj" body "endobj"; returns its offset.
-    std::size_t object(std::uint32_t number, const std::string& body, std::uint16_t generation = 0);
+    // Appends "N 0 obj" body "endobj"; returns its offset.
+    std::size_t object(std::uint32_t number, const std::string& body);
     // An object stream of (number, body) members, entered as compressed objects.
     std::size_t objectStream(std::uint32_t number, const std::vector<std::pair<std::uint32_t, std::string>>& members,
                              bool compressed = true);
-    // Objects 1 to 3: catalog, page tree and a page `width` x 792 with `pageEntries`.
-    void pageTree(int width = 612, const std::string& pageEntries = "");
+    // Objects 1 to 3: catalog, page tree and a page 612 x 792 with `pageEntries`.
+    void pageTree(const std::string& pageEntries = "");
     // A classic table of the objects added since the last section (object 0 in the first),
-    // one subsection per run of numbers, the trailer (Size added) and startxref. Returns
-    // the offset of "xref".
+    // a subsection each, the trailer (Size added) and startxref. Returns the offset of "xref".
     std::size_t table(const std::string& trailerEntries);
     // The same as cross-reference stream `number`, Flate-compressed with the PNG Up
     // predictor when `predicted`.
@@ -63,10 +62,10 @@ public:
 private:
     struct Entry {
         int type; // 0 free, 1 direct, 2 compressed
-        std::uint64_t field2, field3;
+        std::uint64_t field2;
+        unsigned field3;
     };
-    // The pending entries in runs of consecutive numbers.
-    std::vector<std::pair<std::uint32_t, std::vector<Entry>>> takeRuns();
+    std::map<std::uint32_t, Entry> takeEntries();
     std::size_t finish(std::size_t section);
 
     std::map<std::uint32_t, Entry> pending_;
