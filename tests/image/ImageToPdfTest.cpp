@@ -82,22 +82,6 @@ zpdf::Stream* imageOf(zpdf::Document& document)
     return resources->get(zpdf::names::XObject())->asDict()->get("img0")->asStream();
 }
 
-std::string readFile(const ZString& path)
-{
-    std::ifstream in(std::filesystem::path(path.c_str()), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
-// A JPEG file of a 64 x 32 picture, made by GDI+.
-ZString jpegFile(const ScratchEnvironment& env)
-{
-    CLSID jpeg = {};
-    EXPECT_GE(findEncoder(L"image/jpeg", &jpeg), 0);
-    const ZString path = env.folder() + L"\\picture.jpg";
-    EXPECT_EQ(rgbBitmap(64, 32)->Save(path.c_str(), &jpeg, nullptr), Gdiplus::Ok);
-    return path;
-}
-
 TEST_F(GdiplusHelpers, FindEncoderWantsTheExactTypeAndEncodeToBufferAppendsTheFileOrNothing)
 {
     for (const wchar_t* mimeType : {L"image/PNG", L"image/png ", L"image/", L""}) {
@@ -162,39 +146,35 @@ TEST_F(ImageToPdfTest, CapturedBitmapIsReencodedOnceAtTheGivenQuality)
               "q\r\n842.000000 0 0 421.000000 0.000000 0.000000 cm\r\n/img0 Do\r\nQ\r\n");
 }
 
-TEST_F(ImageToPdfTest, JpegWithAnUprightOrientationIsEmbeddedByteForByte)
+TEST_F(ImageToPdfTest, JpegFileIsEmbeddedAsItIsUnlessMirroredOrToldNotTo)
 {
-    const ZString path = jpegFile(env);
-    ConversionOptions options;
-    options.optForA4 = false;
-    options.dpi = 72;
-    for (int orientation : {1, 6}) {
-        Gdiplus::Bitmap fromFile(path.c_str());
-        zpdf::Document document;
-        ASSERT_TRUE(convert(fromFile, path, document, options, 1, orientation));
-        EXPECT_TRUE(qualities.empty()) << orientation;
-        EXPECT_EQ(imageOf(document)->data()->bytes(), readFile(path)) << orientation;
-        // Rotated a quarter turn, the page takes the turned size.
-        EXPECT_EQ(text(firstPage(document)->get(zpdf::names::MediaBox())), orientation == 6 ? "[0 0 32 64]" : "[0 0 64 32]");
-    }
-}
-
-TEST_F(ImageToPdfTest, MirroredOrWithoutPassThroughAJpegIsReencodedStepByStep)
-{
-    const ZString path = jpegFile(env);
-    const size_t fileSize = readFile(path).size();
-    for (bool mirrored : {true, false}) {
+    CLSID jpeg = {};
+    ASSERT_GE(findEncoder(L"image/jpeg", &jpeg), 0);
+    const ZString path = env.folder() + L"\\picture.jpg";
+    ASSERT_EQ(rgbBitmap(64, 32)->Save(path.c_str(), &jpeg, nullptr), Gdiplus::Ok);
+    std::ifstream in(std::filesystem::path(path.c_str()), std::ios::binary);
+    const std::string file((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    // A quarter turn turns the page too; a mirrored picture cannot keep its bytes.
+    const struct {
+        int orientation;
+        bool passThrough;
+        const char* mediaBox;
+    } cases[] = {{1, true, "[0 0 64 32]"}, {6, true, "[0 0 32 64]"}, {5, true, "[0 0 32 64]"}, {0, false, "[0 0 64 32]"}};
+    for (const auto& c : cases) {
         qualities.clear();
         Gdiplus::Bitmap fromFile(path.c_str());
         ConversionOptions options;
-        options.passThroughJpg = mirrored;
+        options.optForA4 = false;
+        options.dpi = 72;
+        options.passThroughJpg = c.passThrough;
         zpdf::Document document;
-        // The file's size a quality point never fits: every step is tried.
-        ASSERT_TRUE(convert(fromFile, path, document, options, fileSize, mirrored ? 5 : 0));
-        ASSERT_FALSE(qualities.empty());
-        EXPECT_EQ(qualities.front(), 100);
-        EXPECT_EQ(qualities.back(), 30) << "never below 30";
-        EXPECT_EQ(imageOf(document)->data()->size(), 30 * fileSize);
+        // The file's size a quality point never fits: every step, 100 down to 30, is tried.
+        ASSERT_TRUE(convert(fromFile, path, document, options, file.size(), c.orientation));
+        EXPECT_EQ(text(firstPage(document)->get(zpdf::names::MediaBox())), c.mediaBox) << c.orientation;
+        const bool reencoded = c.orientation == 5 || !c.passThrough;
+        EXPECT_EQ(qualities.size(), reencoded ? 15u : 0u) << c.orientation;
+        EXPECT_TRUE(imageOf(document)->data()->bytes() == (reencoded ? std::string(30 * file.size(), '\xD8') : file))
+            << c.orientation;
     }
 }
 
