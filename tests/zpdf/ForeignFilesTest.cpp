@@ -2,7 +2,6 @@
 // exactly like the originals: every object, stream data included.
 #include "TestSupport.h"
 
-#include "zpdf/BufferWriter.h"
 #include "zpdf/PdfFile.h"
 
 #include <gtest/gtest.h>
@@ -53,11 +52,6 @@ TEST(ForeignFiles, ReadAndWrittenAgainEqualTheOriginalsForQpdf)
         const std::string written = zpdfTest::writeChecked(file);
         std::ofstream(path + ".ours.pdf", std::ios::binary) << written;
         EXPECT_EQ(normalised(path + ".ours.pdf"), normalised(path));
-
-        zpdf::PdfFile again(written);
-        zpdf::BufferWriter out;
-        out.writeDocument(again);
-        EXPECT_EQ(out.data(), written) << "the writer's output comes back byte for byte";
     }
     std::filesystem::remove_all(folder);
 }
