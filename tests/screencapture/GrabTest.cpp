@@ -33,28 +33,6 @@ private:
     RECT previous_;
 };
 
-LRESULT CALLBACK noClientAreaProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    const LRESULT result = DefWindowProcW(window, message, wParam, lParam);
-    if (message == WM_NCCALCSIZE) {
-        RECT& client = reinterpret_cast<NCCALCSIZE_PARAMS*>(lParam)->rgrc[0];
-        client.bottom = client.top;
-    }
-    return result;
-}
-
-// A visible captioned window whose client area has no height.
-HWND createWindowWithoutClientArea(const wchar_t* title)
-{
-    WNDCLASSW windowClass = {};
-    windowClass.lpfnWndProc = noClientAreaProc;
-    windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.lpszClassName = L"PryxaTestNoClientArea";
-    RegisterClassW(&windowClass);
-    return CreateWindowExW(0, windowClass.lpszClassName, title, WS_CAPTION | WS_VISIBLE, 100, 100, 300, 200, nullptr,
-                           nullptr, windowClass.hInstance, nullptr);
-}
-
 // The part of `grid` at `area` (in grid coordinates) equals the pattern.
 void expectPattern(const PixelGrid& grid, const RECT& area, const PixelPattern& pattern)
 {
@@ -131,17 +109,16 @@ TEST_F(Grab, ActiveWindowIsTheFirstVisibleCaptionedWindow)
 
 TEST_F(Grab, EmptyClientAreaGivesNoImage)
 {
-    HWND window = createWindowWithoutClientArea(L"No client");
-    ASSERT_NE(window, nullptr);
+    TestWindow window({100, 100, 400, 100}, gradientPattern, L"No client", WS_POPUP | WS_CAPTION);
+    ShowWindow(window.handle(), SW_SHOW);
     pumpMessages(50);
     RECT client = {};
-    GetClientRect(window, &client);
+    GetClientRect(window.handle(), &client);
     ASSERT_EQ(heightOf(client), 0);
     ScreenCapture capture(nullptr);
     capture.grab(activeWindowClient);
     EXPECT_EQ(capture.image(), nullptr);
     EXPECT_EQ(capture.title(), ZString(L"No client"));
-    DestroyWindow(window);
 }
 
 TEST_F(Grab, ClipboardBitmapsBecome24BitRgbOfTheSameSize)
