@@ -1,4 +1,5 @@
-// Colours by name (the table, without regard to case) and by the "#" forms.
+// Colours by name (the table, without regard to case) and by the "#" forms, in byte order
+// 0xAABBGGRR.
 
 #include "xhtml/ColourTable.h"
 
@@ -7,12 +8,11 @@
 #include <cctype>
 #include <optional>
 #include <set>
-#include <string>
 
 using xhtml::Colour;
 using xhtml::parseColour;
 
-TEST(ColourNames, EveryRowOnceAndInAnyCase)
+TEST(Colours, EveryNamedRowOnceAndInAnyCase)
 {
     const xhtml::NamedColour* table = xhtml::namedColours();
     std::set<std::string> names;
@@ -23,31 +23,27 @@ TEST(ColourNames, EveryRowOnceAndInAnyCase)
             upper += static_cast<char>(std::toupper(*c));
         }
         names.insert(lower);
-        for (const std::string& name : {lower, upper})
-            EXPECT_EQ(parseColour(ZString::fromUtf8(name)), std::optional<Colour>(table[i].value)) << name;
+        EXPECT_EQ(parseColour(ZString::fromUtf8(lower)), table[i].value) << lower;
+        EXPECT_EQ(parseColour(ZString::fromUtf8(upper)), table[i].value) << upper;
     }
     EXPECT_EQ(names.size(), 141u);
 }
 
-TEST(ColourNames, ValuesAndHashFormsInByteOrder)
+TEST(Colours, ValuesAndHashForms)
 {
     const struct {
         const char* text;
         std::optional<Colour> value;
     } cases[] = {
-        {"Red", 0x0000FF},            {"Blue", 0xFF0000},           {"transparent", 0xFF000000},
+        {"Red", 0x0000FF},            {"transparent", 0xFF000000},
         {"BlanchedAlmond", 0xCDFFFF}, // #FFFFCD, not the common #FFEBCD
         {"Gray", 0x7F7F7F},           // not #808080
         {"YellowGreen", 0x32CD8B},    // #8BCD32, not #9ACD32
-        {"Lawngreen", 0x00FC7C},      {"Cyan", 0xFFFF00},           {"LightGrey", 0xD3D3D3},
-        {"Grey", std::nullopt},       // only LightGrey has that spelling
-        {"LightGray", std::nullopt},
-        {"#FF0000", 0x0000FF},   {"#ff0000", 0x0000FF},   {"#123456", 0x563412},
-        {"#ff000080", 0x800000FF}, {"#12345678", 0x78563412},
-        {"#f00", 0x0000FF},      {"#F80", 0x0088FF},      {"#F808", 0x880088FF},
-        {"#12345", std::nullopt}, {"#1234567", std::nullopt}, {"#12", std::nullopt}, {"#", std::nullopt},
-        {"#GG0000", std::nullopt}, {"#12 456", std::nullopt}, {"123456", std::nullopt},
-        {"", std::nullopt},      {"red ", std::nullopt},  {"rgb(1,2,3)", std::nullopt},
+        {"LightGrey", 0xD3D3D3},      {"Grey", std::nullopt}, {"LightGray", std::nullopt}, // only LightGrey has that spelling
+        {"#ff0000", 0x0000FF},        {"#123456", 0x563412},  {"#12345678", 0x78563412},
+        {"#F80", 0x0088FF},           {"#F808", 0x880088FF},
+        {"#12345", std::nullopt}, {"#1234567", std::nullopt}, {"#", std::nullopt}, {"#GG0000", std::nullopt},
+        {"#12 456", std::nullopt}, {"123456", std::nullopt}, {"", std::nullopt}, {"red ", std::nullopt},
     };
     for (const auto& c : cases)
         EXPECT_EQ(parseColour(ZString::fromUtf8(c.text)), c.value) << c.text;
