@@ -1,8 +1,7 @@
-// Properties of the parser over generated markup (seeded, bounded): it never fails, it is
-// deterministic, and its tree is the one a flat reading of the input gives. That reading
-// splits the input into comments, tags and text runs; its text nodes are exactly the runs
-// and its elements exactly the start tags, so the parser's text nodes and tags account for
-// every unit of the input outside comments and tags.
+// The parser over generated markup (seeded, bounded) gives the tree of a flat reading of the
+// input, which splits it into comments, tags and text runs: text nodes are exactly the runs
+// and elements exactly the start tags, so together they account for every unit outside
+// comments and tags.
 
 #include "TreeText.h"
 
@@ -18,8 +17,7 @@
 
 namespace {
 
-// Fragments that exercise every rule: tags, end tags, raw content, comments, quotes, stray
-// "<", entities, white space, non-ASCII letters.
+// Fragments that exercise every rule, non-ASCII letters included.
 const char* const fragments[] = {
     "<", ">", "/", "/>", "!", "<!--", "-->", "--", "<!", "</", "<b>", "</b>", "<i ", "</i>", "<B", "</B ",
     "<div class=\"x y\">", "</div>", "<img src=a.png>", "<br/>", "<textarea>", "</textarea>", "<style>",
@@ -46,10 +44,9 @@ void readFlat(const std::u16string& s, xhtml::HtmlTagNode& root)
         const size_t found = s.find(what, from);
         return found == std::u16string::npos ? s.size() : found + std::char_traits<char16_t>::length(what);
     };
-    auto append = [](xhtml::HtmlTagNode& parent, auto node) { return parent.appendChild(std::move(node)); };
+    auto zstring = [](const std::u16string& run) { return ZString(reinterpret_cast<const ZChar*>(run.data()), int(run.size())); };
     auto text = [&](size_t from, size_t to) {
-        const std::u16string run = s.substr(from, to - from);
-        return std::make_unique<xhtml::HtmlTextNode>(ZString(reinterpret_cast<const ZChar*>(run.data()), int(run.size())));
+        return std::make_unique<xhtml::HtmlTextNode>(zstring(s.substr(from, to - from)));
     };
     std::vector<xhtml::HtmlTagNode*> open{&root};
     for (size_t p = 0; p < s.size();) {
@@ -62,14 +59,14 @@ void readFlat(const std::u16string& s, xhtml::HtmlTagNode& root)
             while (q < s.size() && !xhtml::isSpace(at(q)) && at(q) != '>' && !(!endTag && at(q) == '/' && at(q + 1) == '>'))
                 ++q;
             const std::u16string name = lower(s.substr(nameStart, q - nameStart));
-            const ZString zname(reinterpret_cast<const ZChar*>(name.data()), int(name.size()));
             p = after(u">", p);
             if (endTag) {
-                if (!name.empty() && zname == open.back()->name())
+                if (!name.empty() && zstring(name) == open.back()->name())
                     open.pop_back();
                 continue;
             }
-            auto* element = static_cast<xhtml::HtmlTagNode*>(append(*open.back(), std::make_unique<xhtml::HtmlTagNode>(zname)));
+            auto* element = static_cast<xhtml::HtmlTagNode*>(
+                open.back()->appendChild(std::make_unique<xhtml::HtmlTagNode>(zstring(name))));
             if (s[p - 1] != '>' || s[p - 2] == '/')
                 continue; // cut off by the end, or empty
             if (name != u"textarea" && name != u"style") {
@@ -77,14 +74,14 @@ void readFlat(const std::u16string& s, xhtml::HtmlTagNode& root)
             } else if (p < s.size()) {
                 for (q = p; q < s.size() && !(at(q) == '<' && at(q + 1) == '/' && lower(s.substr(q + 2, name.size())) == name);)
                     ++q;
-                append(*element, text(p, q));
+                element->appendChild(text(p, q));
                 p = q;
             }
         } else {
             size_t q = p + 1;
             while (q < s.size() && !(at(q) == '<' && (at(q + 1) == '/' || at(q + 1) == '!' || xhtml::isLetter(at(q + 1)))))
                 ++q;
-            append(*open.back(), text(p, q));
+            open.back()->appendChild(text(p, q));
             p = q;
         }
     }
@@ -92,7 +89,7 @@ void readFlat(const std::u16string& s, xhtml::HtmlTagNode& root)
 
 } // namespace
 
-TEST(HtmlParserProperties, DeterministicAndEqualToTheFlatReading)
+TEST(HtmlParserProperties, EqualToTheFlatReading)
 {
     std::mt19937 random(20240611);
     std::uniform_int_distribution<int> length(0, 60);
@@ -103,7 +100,6 @@ TEST(HtmlParserProperties, DeterministicAndEqualToTheFlatReading)
             input += fragments[pick(random)];
         const ZString text = ZString::fromUtf8(input);
         const auto root = xhtmltest::parseDocument(text);
-        ASSERT_EQ(xhtmltest::contentText(*xhtmltest::parseDocument(text)), xhtmltest::contentText(*root)) << input;
         xhtml::HtmlTagNode reference;
         readFlat(std::u16string(reinterpret_cast<const char16_t*>(text.c_str()), size_t(text.length())), reference);
         ASSERT_EQ(xhtmltest::contentText(*root, false), xhtmltest::contentText(reference, false)) << input;
