@@ -73,14 +73,15 @@ TEST(ImagePdfRules, IndexedColourSpaces)
 
 TEST(ImagePdfRules, JpegQualityStepsDownBy5UntilTheResultFits)
 {
-    // An encoder whose output is 100 bytes per quality point; it fails at `failAt`.
+    // An encoder that appends 100 bytes per quality point, as GDI+ encoding appends; it
+    // fails at `failAt`.
     long failAt = -1;
     std::vector<long> qualities;
     const JpegEncode encode = [&](long quality, std::vector<uint8_t>& bytes) {
         qualities.push_back(quality);
         if (quality == failAt)
             return false;
-        bytes.assign(static_cast<size_t>(quality) * 100, 0xAB);
+        bytes.insert(bytes.end(), static_cast<size_t>(quality) * 100, 0xAB);
         return true;
     };
     // 1.1 x 5000 = 5500: quality 55 gives exactly 5500 bytes and is the first to fit.
