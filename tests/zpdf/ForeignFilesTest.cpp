@@ -25,10 +25,8 @@ TEST(ForeignFiles, ReadAndWrittenAgainEqualTheOriginalsForQpdf)
            "<< /PageSize [400 300] >> setpagedevice 20 20 moveto (Third, smaller) show showpage\n";
     const char* const commands[] = {
         "ps2pdf source.ps ghostscript.pdf",
-        "qpdf --object-streams=disable ghostscript.pdf qpdf-plain.pdf",
         "qpdf --object-streams=generate ghostscript.pdf qpdf-objstm.pdf",
         "qpdf --linearize ghostscript.pdf qpdf-linear.pdf",
-        "qpdf --linearize --object-streams=generate ghostscript.pdf qpdf-linear-objstm.pdf",
         "pdftocairo -pdf ghostscript.pdf cairo.pdf",
         "convert -size 64x48 gradient:red-blue picture.png && convert picture.png imagemagick.pdf",
         "img2pdf picture.png -o img2pdf.pdf",

@@ -20,6 +20,7 @@
 
 using namespace zpdf;
 using namespace std::string_literals;
+using zpdfTest::arrayOf;
 using zpdfTest::errorOf;
 
 namespace {
@@ -31,20 +32,9 @@ std::string written(const Object& object)
     return out.take();
 }
 
-Ptr<Array> arrayOf(std::initializer_list<Ptr<Object>> elements)
-{
-    Ptr<Array> array = make<Array>();
-    for (const Ptr<Object>& element : elements)
-        array->append(element);
-    return array;
-}
-
 TEST(Object, Serialisation)
 {
-    const struct {
-        Ptr<Object> object;
-        const char* text;
-    } cases[] = {
+    const struct { Ptr<Object> object; const char* text; } cases[] = {
         {make<Number>(-17), "-17"}, {make<Number>(std::int64_t{3000000000}), "3000000000"}, {make<Number>(2.0), "2.0"},
         {make<Number>(0.1), "0.1"}, {make<Number>(612.123456789), "612.123457"}, {make<Number>(0.0000001), "0.0"},
         {make<Number>(0.000001), "0.000001"}, {make<Number>(-0.0), "-0.0"}, {make<Number>(1e15), "1000000000000000.0"},
@@ -268,11 +258,7 @@ TEST(Stream, CompressionRoundTrip)
 
 TEST(Stream, PngPredictorsAreUndone)
 {
-    const struct {
-        int predictor, colors, columns;
-        std::string predicted;
-        std::string plain;
-    } cases[] = {
+    const struct { int predictor, colors, columns; std::string predicted, plain; } cases[] = {
         // One row of each type: sub, up, average, Paeth (with wrap-around), none.
         {12, 1, 3, "\1\1\1\1" "\2\1\1\1" "\3\2\2\2" "\4\1\0\xFF" "\0\x09\x08\x07"s, "\1\2\3\2\3\4\3\5\6\4\5\5\x09\x08\x07"},
         // Three bytes a pixel: "left" is one pixel back.
@@ -309,10 +295,7 @@ TEST(Stream, FilterArraysAreUndoneOneAtATime)
 TEST(Stream, DecodingFailures)
 {
     const std::string good = flate::compress("some text to inflate");
-    const struct {
-        Ptr<Stream> stream;
-        const char* message;
-    } cases[] = {
+    const struct { Ptr<Stream> stream; const char* message; } cases[] = {
         {streamWith(names::FlateDecode(), predictorParms(2, 1, 1), good), "Predictor less than 10 not supported"},
         {streamWith(make<Name>("LZWDecode"), nullptr, good), "Stream::decode: No suitable decoder available"},
         {streamWith(names::FlateDecode(), nullptr, "not zlib at all"), "ZLib decompression error"},

@@ -49,7 +49,15 @@ std::string temporaryPath(const char* suffix)
     return (std::filesystem::temp_directory_path() / name).u8string();
 }
 
-std::string writeChecked(zpdf::Document& document, std::string* info)
+zpdf::Ptr<zpdf::Array> arrayOf(std::initializer_list<zpdf::Ptr<zpdf::Object>> elements)
+{
+    zpdf::Ptr<zpdf::Array> array = zpdf::make<zpdf::Array>();
+    for (const zpdf::Ptr<zpdf::Object>& element : elements)
+        array->append(element);
+    return array;
+}
+
+std::string writeChecked(zpdf::Document& document, [[maybe_unused]] std::string* info)
 {
     zpdf::BufferWriter memory;
     memory.writeDocument(document);

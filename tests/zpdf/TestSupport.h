@@ -2,10 +2,12 @@
 // What the PDF tests share: writing a document and checking the file with outside tools,
 // and building files by hand for the reader.
 
+#include "zpdf/Array.h"
 #include "zpdf/Document.h"
 #include "zpdf/PdfException.h"
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <utility>
@@ -21,6 +23,8 @@ std::string temporaryPath(const char* suffix);
 std::string readFile(const std::string& path);
 // Runs a shell command natively, appending its output (stderr too); returns its exit code.
 int run(const std::string& command, std::string& output);
+
+zpdf::Ptr<zpdf::Array> arrayOf(std::initializer_list<zpdf::Ptr<zpdf::Object>> elements);
 
 // The message of the PdfException that `action` throws, or "(no exception)".
 template <class Action>

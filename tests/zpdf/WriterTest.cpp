@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 using namespace zpdf;
+using zpdfTest::arrayOf;
 using zpdfTest::writeChecked;
 
 namespace {
@@ -34,10 +35,7 @@ TEST(Writer, WholeFile)
     document.addPage(612, 792.5, nullptr, make<Stream>("0 0 m 10 10 l S"));
     document.setInfo(names::Producer(), make<String>(ZString(u"zpdf")));
     document.put(8, 0, make<Number>(8));
-    Ptr<Array> id = make<Array>();
-    id->append(make<String>("00ff", StringMode::hex));
-    id->append(make<String>("00ff", StringMode::hex));
-    document.trailer().set(names::ID(), id);
+    document.trailer().set(names::ID(), arrayOf({make<String>("00ff", StringMode::hex), make<String>("00ff", StringMode::hex)}));
     document.trailer().set(names::Prev(), make<Number>(99));
     EXPECT_EQ(writeChecked(document),
               "%PDF-1.7\r\n"
@@ -49,17 +47,10 @@ TEST(Writer, WholeFile)
               "/Resources <<\r\n>>\r\n/Type /Page\r\n>>\r\nendobj\r\n"
               "5 0 obj\r\n<<\r\n/Producer <FEFF007a007000640066>\r\n>>\r\nendobj\r\n"
               "8 0 obj\r\n8\r\nendobj\r\n"
-              "xref\r\n"
-              "0 9\r\n"
-              "0000000000 65535 f\r\n"
-              "0000000021 00000 n\r\n"
-              "0000000076 00000 n\r\n"
-              "0000000140 00000 n\r\n"
-              "0000000213 00000 n\r\n"
-              "0000000329 00000 n\r\n"
-              "0000000000 00000 f\r\n"
-              "0000000006 00000 f\r\n"
-              "0000000388 00000 n\r\n"
+              "xref\r\n0 9\r\n"
+              "0000000000 65535 f\r\n0000000021 00000 n\r\n0000000076 00000 n\r\n"
+              "0000000140 00000 n\r\n0000000213 00000 n\r\n0000000329 00000 n\r\n"
+              "0000000000 00000 f\r\n0000000006 00000 f\r\n0000000388 00000 n\r\n"
               "trailer\r\n<<\r\n/ID [<00ff> <00ff>]\r\n/Info 5 0 R\r\n/Root 1 0 R\r\n/Size 9\r\n>>\r\n"
               "startxref\r\n408\r\n%%EOF");
 }
@@ -97,15 +88,12 @@ std::uint32_t fill(Document& document)
     document.addPage(595.5, 842, resources, contents);
     document.addPage(612, 792, nullptr, make<Stream>(std::string("\0\xFF(raw)\r\nbytes", 14)));
 
-    Ptr<Array> values = make<Array>();
-    for (const Ptr<Object>& value :
-         {Ptr<Object>(make<Number>(-3)), Ptr<Object>(make<Number>(0.125)), Ptr<Object>(make<Number>(1e-4)),
-          Ptr<Object>(make<Bool>(true)), Ptr<Object>(make<Null>()),
-          Ptr<Object>(make<String>("literal (balanced) text", StringMode::literal)),
-          Ptr<Object>(make<String>("0a1B", StringMode::hex)), Ptr<Object>(make<String>(ZString(u"Wide \u00e9"))),
-          Ptr<Object>(make<String>(ZString())), Ptr<Object>(make<Array>()), Ptr<Object>(make<Dict>())})
-        values->append(value);
-    const std::uint32_t arrayNumber = document.add(values)->number();
+    const std::uint32_t arrayNumber =
+        document
+            .add(arrayOf({make<Number>(-3), make<Number>(0.125), make<Number>(1e-4), make<Bool>(true), make<Null>(),
+                          make<String>("literal (balanced) text", StringMode::literal), make<String>("0a1B", StringMode::hex),
+                          make<String>(ZString(u"Wide \u00e9")), make<String>(ZString()), make<Array>(), make<Dict>()}))
+            ->number();
     document.setInfo(names::Title(), make<String>(ZString(u"Gr\u00fc\u00dfe \U0001F600")));
     document.setInfo(names::Producer(), make<String>("zpdf", StringMode::literal));
     return arrayNumber;
