@@ -28,22 +28,15 @@ TEST(ViewBuilder, KnownElementsGetViewsTextIsCollapsedThenDecodedImagesResolve)
                        u"<select><option>o</option></select><textarea>t</textarea></body></html>",
                        200);
     EXPECT_EQ(kinds(*page.tree.root()), "block(block(text text) table(tr(td(text))) image text control control)");
-    const struct {
-        const char16_t* raw;
-        const char16_t* text;
-    } cases[] = {
-        {u"a \t\r\n b", u"a b"},
-        {u"\n\t\t&nbsp;&nbsp;\n", u" \u00A0\u00A0 "},
-        {u"&lt;b&gt; &amp;amp;", u"<b> &amp;"},
-        {u"x&#32;&#32;y", u"x  y"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(xhtml::ViewBuilder::collapsedText(ZString(c.raw)), ZString(c.text)) << ZString(c.raw).toUtf8();
+    const std::pair<const char16_t*, const char16_t*> texts[] = {
+        {u"a \t\r\n b", u"a b"}, {u"\n\t\t&nbsp;&nbsp;\n", u" \u00A0\u00A0 "}, {u"&lt;b&gt; &amp;amp; x&#32;&#32;y", u"<b> &amp; x  y"}};
+    for (const auto& [raw, text] : texts)
+        EXPECT_EQ(xhtml::ViewBuilder::collapsedText(ZString(raw)), ZString(text)) << ZString(raw).toUtf8();
     EXPECT_EQ(xhtml::resolveAddress(ZString(u"res:///ui/page.xhtml"), ZString(u"a.png")), ZString(u"res:///ui/a.png"));
     EXPECT_EQ(xhtml::resolveAddress(ZString(u"res:///page.xhtml"), ZString(u"https://x/a.png")), ZString(u"https://x/a.png"));
 }
 
-TEST(ViewBuilder, ControlsCarryTheirModel)
+TEST(ViewBuilder, ControlsCarryTheirModelAndASelectChangesByValue)
 {
     LaidOutMarkup page(u"<select id=s><option value=a>Alpha</option><option value='b' selected>  Be  </option>"
                        u"<option selected>Gamma</option></select>"
@@ -52,11 +45,17 @@ TEST(ViewBuilder, ControlsCarryTheirModel)
                        u"<input id=h type=hidden name=secret value=v/><textarea id=ta name=notes>a &amp; <b>b</b></textarea>"
                        u"<input id=b type=button name=start value='  Go &amp; on '/>",
                        400);
-    const xhtml::ControlModel& single = *page.byId(u"s").control;
+    xhtml::ControlModel& single = *page.byId(u"s").control;
     ASSERT_EQ(single.options.size(), 3u);
     EXPECT_EQ(single.options[1].label, ZString(u"Be"));
     EXPECT_EQ(single.options[2].value, ZString(u"Gamma")) << "without a value the label is the value";
     EXPECT_EQ(single.selectedValue(), ZString(u"Gamma")) << "one choice: the last marked option";
+    EXPECT_TRUE(single.selectValue(ZString(u"a")));
+    EXPECT_EQ(single.selectedValue(), ZString(u"a"));
+    EXPECT_FALSE(single.options[1].selected || single.options[2].selected) << "the others lose their mark";
+    for (const char16_t* unknown : {u"", u"Alpha", u"A"})
+        EXPECT_FALSE(single.selectValue(ZString(unknown)));
+    EXPECT_EQ(single.selectedValue(), ZString(u"a")) << "an unknown value keeps the selection";
     const xhtml::ControlModel& multiple = *page.byId(u"m").control;
     EXPECT_TRUE(multiple.isList() && multiple.options[0].selected && multiple.options[1].selected);
     EXPECT_EQ(page.byId(u"k").control->type, xhtml::ControlType::checkbox);
@@ -66,22 +65,6 @@ TEST(ViewBuilder, ControlsCarryTheirModel)
     EXPECT_EQ(page.byId(u"ta").control->value, ZString(u"a & <b>b</b>"));
     EXPECT_EQ(page.byId(u"b").control->value, ZString(u" Go & on "));
     EXPECT_EQ(page.byId(u"b").control->name, ZString(u"start"));
-}
-
-TEST(SelectValue, SetByOptionValueAndReadBack)
-{
-    LaidOutMarkup page(u"<select id=s><option value=userDefinedArea selected>A</option><option value=screen>S</option>"
-                       u"<option value=file>F</option></select>",
-                       400);
-    xhtml::ControlModel& select = *page.byId(u"s").control;
-    EXPECT_EQ(select.selectedValue(), ZString(u"userDefinedArea"));
-    EXPECT_TRUE(select.selectValue(ZString(u"screen")));
-    EXPECT_EQ(select.selectedValue(), ZString(u"screen"));
-    EXPECT_FALSE(select.options[0].selected) << "one choice: the others lose their mark";
-    for (const char16_t* unknown : {u"", u"clipboard", u"Screen"}) {
-        EXPECT_FALSE(select.selectValue(ZString(unknown)));
-        EXPECT_EQ(select.selectedValue(), ZString(u"screen")) << "an unknown value keeps the selection";
-    }
 }
 
 } // namespace
