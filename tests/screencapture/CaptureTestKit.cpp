@@ -46,36 +46,35 @@ std::vector<UINT> clipboardFormats()
     return formats;
 }
 
-bool putBitmapOnClipboard(HBITMAP bitmap)
+namespace {
+
+// Replaces the clipboard's content with `data`, which the clipboard then owns.
+bool putOnClipboard(UINT format, HANDLE data)
 {
-    BitmapHandle owned(bitmap);
-    if (!OpenClipboard(nullptr))
+    if (!data || !OpenClipboard(nullptr))
         return false;
     EmptyClipboard();
-    const bool placed = SetClipboardData(CF_BITMAP, owned.get()) != nullptr;
-    if (placed)
-        owned.release();
+    const bool placed = SetClipboardData(format, data) != nullptr;
     CloseClipboard();
     return placed;
+}
+
+} // namespace
+
+bool putBitmapOnClipboard(HBITMAP bitmap)
+{
+    return putOnClipboard(CF_BITMAP, bitmap) || (DeleteObject(bitmap), false);
 }
 
 bool putTextOnClipboard(const wchar_t* text)
 {
     const size_t bytes = (wcslen(text) + 1) * sizeof(wchar_t);
     HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
-    if (!memory)
-        return false;
-    std::memcpy(GlobalLock(memory), text, bytes);
-    GlobalUnlock(memory);
-    bool placed = false;
-    if (OpenClipboard(nullptr)) {
-        EmptyClipboard();
-        placed = SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
-        CloseClipboard();
+    if (memory) {
+        std::memcpy(GlobalLock(memory), text, bytes);
+        GlobalUnlock(memory);
     }
-    if (!placed)
-        GlobalFree(memory);
-    return placed;
+    return putOnClipboard(CF_UNICODETEXT, memory) || (GlobalFree(memory), false);
 }
 
 HBITMAP createDibSection(int width, int height, int bitsPerPixel, const std::vector<uint32_t>& palette,
