@@ -40,15 +40,6 @@ std::vector<HWND> children(HWND dialog, const wchar_t* className = nullptr)
     return found;
 }
 
-std::wstring shownText(HWND combo)
-{
-    const LRESULT index = SendMessageW(combo, CB_GETCURSEL, 0, 0);
-    std::wstring label(index < 0 ? 0 : static_cast<size_t>(SendMessageW(combo, CB_GETLBTEXTLEN, index, 0)) + 1, L'\0');
-    if (index >= 0)
-        SendMessageW(combo, CB_GETLBTEXT, index, reinterpret_cast<LPARAM>(label.data()));
-    return label.c_str();
-}
-
 // What Windows does when the user picks an entry in an open drop-down list.
 void choose(HWND combo, const std::wstring& label)
 {
@@ -113,7 +104,7 @@ TEST_F(CaptureDialog, OpensWithTheStoredChoiceOrTheMarkupsDefaultsAndClosingChan
         withDialog([] { screenCapture::capture(screenCapture::noMode, screenCapture::file); },
                    [&](HWND dialog) {
                        for (HWND combo : children(dialog, L"ComboBox"))
-                           shown.push_back(shownText(combo));
+                           shown.push_back(windowText(combo)); // a drop-down list's text is its selection
                        choose(children(dialog, L"ComboBox").at(0), text(L"screen-capture/mode/screen"));
                    },
                    true, [&] {

@@ -22,18 +22,7 @@
 namespace screenCapture {
 namespace {
 
-std::vector<std::pair<ZString, ZString>> notes; // heading and message
-
-// Routes the clipboard target's tray notes to `notes` while it lives.
-struct NoteRecorder {
-    NoteRecorder()
-    {
-        notes.clear();
-        trayNote = [](const ZString& heading, const ZString& message) { notes.emplace_back(heading, message); };
-    }
-    ~NoteRecorder() { trayNote = previous; }
-    TrayNote previous = trayNote;
-};
+std::vector<ZString> notes; // the clipboard target's tray notes, "HEADING: MESSAGE" each
 
 // What windows of the classes the hand-off looks for were sent: "CLASS CODE TEXT" each.
 std::vector<std::wstring> handedOff;
@@ -76,7 +65,12 @@ protected:
         ASSERT_NE(capture.image(), nullptr);
         captured = imagePixels(*capture.image());
         handedOff.clear();
+        notes.clear();
+        trayNote = [](const ZString& heading, const ZString& message) { notes.push_back(heading + L": " + message); };
     }
+    void TearDown() override { trayNote = keptNote; }
+
+    const TrayNote keptNote = trayNote;
 
     std::unique_ptr<TestWindow> window;
     ScreenCapture capture{nullptr};
@@ -110,7 +104,6 @@ TEST(DeliveryNames, SayWhatWasCapturedAndFilesEndInPng)
 TEST_F(Delivery, ClipboardGetsOnlyTheBitmapAndTheUserANote)
 {
     putTextOnClipboard(L"old content");
-    NoteRecorder recorder;
     deliver(screen, toClipboard, capture);
 
     const std::vector<UINT> formats = clipboardFormats();
@@ -124,9 +117,7 @@ TEST_F(Delivery, ClipboardGetsOnlyTheBitmapAndTheUserANote)
     CloseClipboard();
     EXPECT_TRUE(onClipboard.pixels == captured.pixels);
 
-    ASSERT_EQ(notes.size(), 1u);
-    EXPECT_EQ(notes[0].first, ZString(L"Note"));
-    EXPECT_EQ(notes[0].second, ZString(L"The captured picture has been copied to the clipboard."));
+    EXPECT_EQ(notes, std::vector<ZString>{L"Note: The captured picture has been copied to the clipboard."});
 }
 
 TEST_F(Delivery, ImageEditorOpensATemporaryPngWithTheEditVerb)
