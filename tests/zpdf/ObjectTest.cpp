@@ -122,13 +122,10 @@ TEST(Object, CloneIsDeepAndEqualityComparesContentsOrObjects)
 }
 
 // A Null that counts its destructions.
-class Probe : public Null {
-public:
-    explicit Probe(int& destroyed) : destroyed_(destroyed) {}
-    ~Probe() override { ++destroyed_; }
-
-private:
-    int& destroyed_;
+struct Probe : Null {
+    explicit Probe(int& destroyed) : destroyed(destroyed) {}
+    ~Probe() override { ++destroyed; }
+    int& destroyed;
 };
 
 TEST(RefCount, LastOwnerDestroysAndContainersReleaseTheirElements)

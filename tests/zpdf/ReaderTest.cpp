@@ -14,7 +14,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
 
 using namespace zpdf;
@@ -24,17 +23,15 @@ namespace {
 
 double pageWidth(PdfFile& file)
 {
-    Indirect* object = file.object(3);
-    if (!object || !object->value() || !object->value()->asDict())
-        return -1;
-    return object->value()->asDict()->get(names::MediaBox())->asArray()->at(2)->asNumber()->value();
+    Indirect* page = file.object(3);
+    Dict* dict = page && page->value() ? page->value()->asDict() : nullptr;
+    return dict ? dict->get(names::MediaBox())->asArray()->at(2)->asNumber()->value() : -1;
 }
 
 std::string offsetField(std::size_t offset)
 {
-    char field[11];
-    std::snprintf(field, sizeof field, "%010zu", offset);
-    return field;
+    const std::string digits = std::to_string(offset);
+    return std::string(10 - digits.size(), '0') + digits;
 }
 
 std::string replaced(std::string bytes, const std::string& what, const std::string& with)

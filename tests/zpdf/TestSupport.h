@@ -46,29 +46,24 @@ std::string page(int width, const std::string& entries = "");
 // object streams, incremental updates.
 class PdfBuilder {
 public:
-    // Appends "N 0 obj" body "endobj"; returns its offset.
+    // Each returns the offset of what it appended.
     std::size_t object(std::uint32_t number, const std::string& body);
     // An object stream of (number, body) members, entered as compressed objects.
     std::size_t objectStream(std::uint32_t number, const std::vector<std::pair<std::uint32_t, std::string>>& members,
                              bool compressed = true);
     // Objects 1 to 3: catalog, page tree and a page 612 x 792 with `pageEntries`.
     void pageTree(const std::string& pageEntries = "");
-    // A classic table of the objects added since the last section (object 0 in the first),
-    // a subsection each, the trailer (Size added) and startxref. Returns the offset of "xref".
+    // A section of the objects added since the last one (object 0 in the first), a
+    // subsection each, with Size added to `trailerEntries`, and startxref.
     std::size_t table(const std::string& trailerEntries);
-    // The same as cross-reference stream `number`, Flate-compressed with the PNG Up
-    // predictor when `predicted`.
+    // Flate-compressed with the PNG Up predictor when `predicted`.
     std::size_t xrefStream(std::uint32_t number, const std::string& trailerEntries, bool predicted = true);
 
     std::string bytes = "%PDF-1.7\n%\xE2\xE3\xCF\xD3\n";
     std::size_t lastSection = 0; // for the next section's Prev
 
 private:
-    struct Entry {
-        int type; // 0 free, 1 direct, 2 compressed
-        std::uint64_t field2;
-        unsigned field3;
-    };
+    struct Entry { int type; std::uint64_t field2; unsigned field3; }; // type 0 free, 1 direct, 2 compressed
     std::map<std::uint32_t, Entry> takeEntries();
     std::size_t finish(std::size_t section);
 
