@@ -7,30 +7,20 @@ namespace {
 
 RECT screenRect() { return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}; }
 
-RECT currentWorkArea()
-{
-    RECT area = {};
-    SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0);
-    return area;
-}
-
 int widthOf(const RECT& r) { return r.right - r.left; }
 int heightOf(const RECT& r) { return r.bottom - r.top; }
 
-// A work area smaller than the screen, so that the two fallbacks can be told apart;
-// the previous one is put back afterwards.
-class ReservedTaskBar {
-public:
-    ReservedTaskBar() : previous_(currentWorkArea())
+// A work area 40 pixels shorter than the screen while it lives, so that the fallbacks can be told apart.
+struct ReservedTaskBar {
+    ReservedTaskBar()
     {
+        SystemParametersInfoW(SPI_GETWORKAREA, 0, &previous, 0);
         RECT smaller = screenRect();
         smaller.bottom -= 40;
         SystemParametersInfoW(SPI_SETWORKAREA, 0, &smaller, 0);
     }
-    ~ReservedTaskBar() { SystemParametersInfoW(SPI_SETWORKAREA, 0, &previous_, 0); }
-
-private:
-    RECT previous_;
+    ~ReservedTaskBar() { SystemParametersInfoW(SPI_SETWORKAREA, 0, &previous, 0); }
+    RECT previous = {};
 };
 
 // The part of `grid` at `area` (in grid coordinates) equals the pattern.
@@ -83,21 +73,20 @@ TEST_F(Grab, ActiveWindowIsTheFirstVisibleCaptionedWindow)
 
     RECT windowRect = {};
     GetWindowRect(captioned->handle(), &windowRect);
-    ScreenCapture whole(nullptr);
-    whole.grab(activeWindow);
-    ASSERT_NE(whole.image(), nullptr);
-    EXPECT_EQ(whole.title(), title);
-    EXPECT_EQ(static_cast<int>(whole.image()->GetWidth()), widthOf(windowRect));
-    EXPECT_EQ(static_cast<int>(whole.image()->GetHeight()), heightOf(windowRect));
-
-    ScreenCapture client(nullptr);
-    client.grab(activeWindowClient);
-    ASSERT_NE(client.image(), nullptr);
-    EXPECT_EQ(client.title(), title);
-    const PixelGrid grid = imagePixels(*client.image());
-    ASSERT_EQ(grid.width, widthOf(clientArea));
-    ASSERT_EQ(grid.height, heightOf(clientArea));
-    expectPattern(grid, {0, 0, grid.width, grid.height}, gradientPattern);
+    const std::pair<Mode, RECT> cases[] = {{activeWindow, windowRect}, {activeWindowClient, clientArea}};
+    for (const auto& [mode, area] : cases) {
+        ScreenCapture capture(nullptr);
+        capture.grab(mode);
+        ASSERT_NE(capture.image(), nullptr) << mode;
+        EXPECT_EQ(capture.title(), title);
+        const PixelGrid grid = imagePixels(*capture.image());
+        ASSERT_EQ(grid.width, widthOf(area)) << mode;
+        ASSERT_EQ(grid.height, heightOf(area)) << mode;
+        expectPattern(grid,
+                      {clientArea.left - area.left, clientArea.top - area.top, clientArea.right - area.left,
+                       clientArea.bottom - area.top},
+                      gradientPattern);
+    }
 
     // Minimised, it still has its caption and is still the one taken.
     ShowWindow(captioned->handle(), SW_MINIMIZE);
