@@ -38,10 +38,8 @@ void dropIntoDocumentTool(const FileHandlerArgs& args)
 // The suite's main window first, then the assistant's ("Assistent" is its class's spelling).
 HWND assistantWindow()
 {
-    if (HWND creator = FindWindowW(L"Pryxa_Creator", nullptr)) {
-        GetForegroundWindow();
+    if (HWND creator = FindWindowW(L"Pryxa_Creator", nullptr))
         return creator;
-    }
     return FindWindowW(L"Pryxa_Assistent", nullptr);
 }
 
