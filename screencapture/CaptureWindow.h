@@ -51,7 +51,6 @@ private:
 
     ScreenCapture* owner_;
     bool selecting_ = false;
-    bool selected_ = false;
     bool cancelled_ = false;
     POINT start_ = {};
     POINT current_ = {};

@@ -30,11 +30,9 @@ public:
     // `result` is the address of the HWND that receives it.
     static BOOL CALLBACK findWindow(HWND window, LPARAM result);
 
-    HINSTANCE instance() const { return instance_; }
     Gdiplus::Bitmap* image() const { return image_.get(); }
     const ZString& title() const { return title_; }
     bool cancelled() const { return cancelled_; }
-    void setCancelled() { cancelled_ = true; }
 
 private:
     class CaptureWindow; // the selection overlay, screencapture/CaptureWindow.h
