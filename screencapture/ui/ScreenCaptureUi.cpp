@@ -5,8 +5,6 @@
 #include "screencapture/CaptureVocabulary.h"
 #include "screencapture/ui/LanguageKeys.h"
 
-#include <ole2.h>
-
 namespace screenCapture {
 
 namespace {
@@ -72,7 +70,7 @@ void ScreenCaptureUi::openInAppPage()
 {
     if (!inAppPageFactory)
         return; // no browser in this program: the bar keeps its own content
-    OleInitialize(nullptr);
+    ole_.emplace();
     browser_ = inAppPageFactory(handle());
     if (!browser_)
         return;

@@ -11,7 +11,10 @@
 #include "screencapture/ui/InAppPage.h"
 #include "xhtml/win/XhtmlFrameView.h"
 
+#include <ole2.h>
+
 #include <memory>
+#include <optional>
 
 namespace screenCapture {
 
@@ -49,11 +52,28 @@ private:
         ScreenCaptureUi& dialog_;
     };
 
+    // OLE on the dialog's thread for the in-app page; given back only if this start took.
+    class OleSession {
+    public:
+        OleSession() : started_(SUCCEEDED(OleInitialize(nullptr))) {}
+        ~OleSession()
+        {
+            if (started_)
+                OleUninitialize();
+        }
+        OleSession(const OleSession&) = delete;
+        OleSession& operator=(const OleSession&) = delete;
+
+    private:
+        bool started_;
+    };
+
     LRESULT onCreate();
     void openInAppPage();
     void placeInAppPage();
 
     StartListener start_;
+    std::optional<OleSession> ole_; // outlives the page
     std::unique_ptr<InAppPage> browser_;
 };
 
