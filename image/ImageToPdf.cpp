@@ -16,6 +16,8 @@ namespace {
 
 constexpr PROPID kOrientationTag = 0x0112;
 constexpr WORD kPropertyTypeShort = 3;
+// The page's one image, under the first of the "img" names.
+constexpr char kImageName[] = "img0";
 
 // What the conversion reads of the image, after any rotation.
 struct ImageFacts {
@@ -125,15 +127,13 @@ zpdf::Ptr<zpdf::Stream> imageStream(const ImageFacts& facts, Embedding embedding
     return stream;
 }
 
-// The page's resources with the image under the next free "img" name.
-zpdf::Ptr<zpdf::Dict> resourcesWith(const zpdf::Ptr<zpdf::Reference>& image, std::string& name)
+zpdf::Ptr<zpdf::Dict> resourcesWith(const zpdf::Ptr<zpdf::Reference>& image)
 {
     auto procSet = zpdf::make<zpdf::Array>();
     procSet->append(zpdf::names::PDF());
     procSet->append(zpdf::names::ImageC());
     auto xObjects = zpdf::make<zpdf::Dict>();
-    name = "img" + std::to_string(xObjects->size());
-    xObjects->set(zpdf::make<zpdf::Name>(name), image);
+    xObjects->set(zpdf::make<zpdf::Name>(kImageName), image);
     auto resources = zpdf::make<zpdf::Dict>();
     resources->set(zpdf::names::ProcSet(), procSet);
     resources->set(zpdf::names::XObject(), xObjects);
@@ -199,11 +199,9 @@ bool ImageToPdf::convert(const ConversionOptions& options, Gdiplus::Image& image
     }
 
     const zpdf::Ptr<zpdf::Reference> imageObject = document.add(imageStream(facts, std::move(*embedding)));
-    std::string name;
-    auto resources = resourcesWith(imageObject, name);
     const PageSize page = pageSize(facts.width, facts.height, options.dpi, options.optForA4);
-    auto contents = zpdf::make<zpdf::Stream>(contentStream(page.width, page.height, 0, 0, name));
-    document.addPage(page.width, page.height, resources, contents);
+    auto contents = zpdf::make<zpdf::Stream>(contentStream(page.width, page.height, 0, 0, kImageName));
+    document.addPage(page.width, page.height, resourcesWith(imageObject), contents);
     return true;
 }
 
