@@ -103,10 +103,9 @@ bool RegistryKey::writeString(const ZString& name, const ZString& value) const
                == ERROR_SUCCESS;
 }
 
+// Given a subkey, RegDeleteTreeW removes that key itself too, not only what lies below it.
 bool RegistryKey::deleteTree(HKEY hive, const ZString& path)
 {
     const LONG status = RegDeleteTreeW(hive, path.c_str());
-    if (status == ERROR_FILE_NOT_FOUND)
-        return true;
-    return status == ERROR_SUCCESS && RegDeleteKeyExW(hive, path.c_str(), kView, 0) == ERROR_SUCCESS;
+    return status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
 }
