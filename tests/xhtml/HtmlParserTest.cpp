@@ -9,43 +9,29 @@
 #include <initializer_list>
 #include <utility>
 
-using xhtmltest::parsed;
-
 namespace {
 
 void expectTrees(std::initializer_list<std::pair<const char*, const char*>> cases)
 {
     for (const auto& [markup, tree] : cases)
-        EXPECT_EQ(parsed(markup), tree) << "markup: " << markup;
+        EXPECT_EQ(xhtmltest::contentText(*xhtmltest::parseDocument(ZString::fromUtf8(markup))), tree) << markup;
 }
 
 } // namespace
 
-// The random markup of HtmlParserProperties checks these rules too; these are the anchors.
+// Anchors of the rules that HtmlParserProperties checks on random markup.
 TEST(HtmlParser, TagsTextRawContentAndComments)
 {
     expectTrees({
         {"<body>a<b>c</i>d</b>e</body>", R"(body{"a" b{"c" "d"} "e"})"}, // a stray end tag is dropped
         {"<DIV>x</DiV>y", R"(div{"x"} "y")"},
         {"<a><b>x</a>y", R"(a{b{"x" "y"}})"},   // an end tag never closes an outer element
-        {"a</>b", R"("a" "b")"},
-        {"<b>x</b junk>y", R"(b{"x"} "y")"},
-        {"<b", "b"},
-        {"<br>after", R"(br{"after"})"},        // no void elements: br takes what follows
-        {"<br />after", R"(br "after")"},
+        {"<br>after<br />", R"(br{"after" br})"}, // no void elements; "/>" makes an empty one
         {"<a/b>x", R"(a/b{"x"})"},              // "/" not before ">" belongs to the name
-        {"1<2 and 3<=4 < b>", R"("1<2 and 3<=4 < b>")"},
-        {"a<!DOCTYPE html>b", R"("a" "<!DOCTYPE html>b")"}, // "<!" ends text but starts no comment
-        {"a</b", R"("a")"},
-        {"a\r\n &amp; b", "\"a\r\n &amp; b\""},
-        {"<textarea><b>x</b></textarea>", R"(textarea{"<b>x</b>"})"},
-        {"<style>a<!--b--></STYLE>", R"(style{"a<!--b-->"})"},
-        {"<textarea>no end", R"(textarea{"no end"})"},
-        {"<textarea></textarea>x", R"(textarea{""} "x")"},
+        {"1<2 < b>a<!DOCTYPE html>b", R"("1<2 < b>a" "<!DOCTYPE html>b")"}, // "<!" ends text but starts no comment
+        {"<textarea><b>x</b></TEXTAREA>", R"(textarea{"<b>x</b>"})"},
         {"<style>a</styles>b", R"(style{"a"} "b")"}, // ends at the name as a prefix; the rest is dropped
-        {"a<!-- x <b> -->b", R"("a" "b")"},
-        {"<!-->x-->y", R"("y")"},               // the "-->" is looked for after "<!--"
-        {"a<!-- never closed <b>x</b>", R"("a")"},
+        {"a<!-- x <b> -->b<!-->x-->y", R"("a" "b" "y")"}, // "-->" is looked for after "<!--"
     });
 }
 
@@ -71,19 +57,15 @@ TEST(HtmlParser, Attributes)
     });
 }
 
-TEST(HtmlParser, ArgumentsResultAndParents)
+TEST(HtmlParser, NothingToParseAndTheResultInsideAnElement)
 {
     xhtml::HtmlTagNode root, p(ZString(u"p"));
-    const ZString text(u"x</p>rest<b>y");
+    const ZString text(u"x</p>rest");
     EXPECT_EQ(xhtml::HtmlParser::parse(&root, ZString().c_str()), nullptr);
     EXPECT_EQ(xhtml::HtmlParser::parse(nullptr, text.c_str()), nullptr);
     EXPECT_EQ(xhtml::HtmlParser::parse(&root, nullptr), nullptr);
     EXPECT_TRUE(root.children().empty());
     EXPECT_EQ(xhtml::HtmlParser::parse(&p, text.c_str()), text.c_str() + 5); // after the closing end tag
-    EXPECT_EQ(xhtml::HtmlParser::parse(&root, text.c_str()), text.c_str() + text.length());
-    const auto& b = static_cast<const xhtml::HtmlTagNode&>(*root.children().back());
-    EXPECT_EQ(b.parent(), &root);
-    EXPECT_EQ(b.children().at(0)->parent(), &b);
 }
 
 TEST(HtmlParser, MillionNestedElementsParseAndDeleteWithoutRecursion)
@@ -95,16 +77,12 @@ TEST(HtmlParser, MillionNestedElementsParseAndDeleteWithoutRecursion)
     text += u"x";
     for (int i = 0; i < depth; ++i)
         text += u"</div>";
-    text += u"tail";
-    auto root = xhtmltest::parseDocument(ZString(reinterpret_cast<const ZChar*>(text.c_str())));
-    ASSERT_EQ(root->children().size(), 2u);
-    EXPECT_TRUE(root->children()[1]->isText()) << "the end tags close every level";
-    const xhtml::HtmlTagNode* node = root.get();
-    for (int level = 0; level < depth; ++level) {
-        node = static_cast<const xhtml::HtmlTagNode*>(node->children()[0].get());
-        ASSERT_TRUE(node->name() == ZString(u"div") && node->children().size() == 1u) << level;
-    }
-    EXPECT_TRUE(node->children()[0]->isText());
+    auto root = xhtmltest::parseDocument(ZString(reinterpret_cast<const ZChar*>((text + u"tail").c_str())));
+    ASSERT_EQ(root->children().size(), 2u) << "the end tags close every level";
+    int levels = 0;
+    for (const xhtml::HtmlNode* node = root->children()[0].get(); node->isTag(); ++levels)
+        node = static_cast<const xhtml::HtmlTagNode*>(node)->children().at(0).get();
+    EXPECT_EQ(levels, depth);
     root.reset(); // deleting the chain must not recurse either
 }
 
@@ -120,7 +98,6 @@ TEST(HtmlDocument, FilterRewritesTheWholeTextBeforeParsingAndNewMarkupReplacesTh
     document.setMarkup(markup, filter, ZString(u"res:///captureUi.xhtml"));
     EXPECT_EQ(filter.seen, markup);
     EXPECT_EQ(xhtmltest::contentText(document.root()), R"(b(title=[TIP]){"START"})");
-    EXPECT_TRUE(document.root().name().isEmpty());
     xhtml::MarkupTextFilter unchanged;
     document.setMarkup(ZString(u"<a>{lang/x}</a>"), unchanged);
     EXPECT_EQ(xhtmltest::contentText(document.root()), R"(a{"{lang/x}"})");

@@ -3,7 +3,6 @@
 // an attribute name=[value], a text node "text". Example: body{"a" b(x=[1]){"c"}}.
 
 #include "base/ZString.h"
-#include "xhtml/HtmlNode.h"
 #include "xhtml/HtmlParser.h"
 
 #include <memory>
@@ -22,13 +21,12 @@ inline std::string contentText(const xhtml::HtmlTagNode& parent, bool attributes
             continue;
         }
         const auto& tag = static_cast<const xhtml::HtmlTagNode&>(*child);
-        out += tag.name().toUtf8();
-        if (attributes && !tag.attributes().empty()) {
-            out += '(';
-            for (const xhtml::HtmlAttribute& attribute : tag.attributes())
-                out += (out.back() == '(' ? "" : " ") + attribute.name.toUtf8() + "=[" + attribute.value.toUtf8() + "]";
-            out += ')';
+        std::string list;
+        for (const xhtml::HtmlAttribute& attribute : tag.attributes()) {
+            if (attributes)
+                list += (list.empty() ? "(" : " ") + attribute.name.toUtf8() + "=[" + attribute.value.toUtf8() + "]";
         }
+        out += tag.name().toUtf8() + list + (list.empty() ? "" : ")");
         if (!tag.children().empty())
             out += '{' + contentText(tag, attributes) + '}';
     }
@@ -40,12 +38,6 @@ inline std::unique_ptr<xhtml::HtmlTagNode> parseDocument(const ZString& text)
     auto root = std::make_unique<xhtml::HtmlTagNode>();
     xhtml::HtmlParser::parse(root.get(), text.c_str());
     return root;
-}
-
-// Parses UTF-8 markup into a fresh root and gives the root's content in text form.
-inline std::string parsed(const std::string& utf8)
-{
-    return contentText(*parseDocument(ZString::fromUtf8(utf8)));
 }
 
 } // namespace xhtmltest
