@@ -205,21 +205,10 @@ TEST(Document, NumbersAndReferencesThatResolveWhileTheDocumentLives)
     EXPECT_EQ(number->refCount(), 1) << "the document released its object";
 }
 
-Ptr<Dict> predictorParms(int predictor, int colors, int columns)
+// A stream with the dictionary written as `dict`.
+Ptr<Stream> streamOf(const std::string& dict, std::string data)
 {
-    Ptr<Dict> parms = make<Dict>();
-    parms->set(names::Predictor(), make<Number>(predictor));
-    parms->set(names::Colors(), make<Number>(colors));
-    parms->set(names::Columns(), make<Number>(columns));
-    return parms;
-}
-
-Ptr<Stream> streamWith(Ptr<Object> filter, Ptr<Object> parms, std::string data)
-{
-    Ptr<Stream> stream = make<Stream>(std::move(data));
-    stream->dict()->set(names::Filter(), std::move(filter));
-    stream->dict()->set(names::DecodeParms(), std::move(parms));
-    return stream;
+    return make<Stream>(staticPtrCast<Dict>(zpdfTest::Parsing(dict).parser.parseObject()), make<StreamData>(std::move(data)));
 }
 
 TEST(Stream, CompressionRoundTrip)
@@ -227,8 +216,7 @@ TEST(Stream, CompressionRoundTrip)
     std::string original; // compressible, but not trivially
     for (int i = 0; i < 20000; ++i)
         original += std::to_string(i * 7919 % 10007) + ' ';
-    Ptr<Stream> stream = make<Stream>(original);
-    stream->dict()->set(names::DecodeParms(), predictorParms(12, 1, 4));
+    Ptr<Stream> stream = streamOf("<</DecodeParms <</Predictor 12 /Columns 4>>>>", original);
     stream->compress();
     EXPECT_EQ(stream->dict()->get(names::DecodeParms()), nullptr);
     const std::string compressed = stream->data()->bytes();
@@ -241,7 +229,7 @@ TEST(Stream, CompressionRoundTrip)
     EXPECT_EQ(flate::decompress(flate::compress("")), "");
 
     // An image already compressed keeps its own filter.
-    Ptr<Stream> jpeg = streamWith(names::DCTDecode(), nullptr, "\xFF\xD8\xFF\xE0 jpeg");
+    Ptr<Stream> jpeg = streamOf("<</Filter /DCTDecode>>", "\xFF\xD8\xFF\xE0 jpeg");
     jpeg->compress();
     EXPECT_EQ(jpeg->data()->bytes(), "\xFF\xD8\xFF\xE0 jpeg");
     EXPECT_EQ(jpeg->dict()->get(names::Filter()), names::DCTDecode().get());
@@ -249,18 +237,20 @@ TEST(Stream, CompressionRoundTrip)
 
 TEST(Stream, PngPredictorsAreUndone)
 {
-    const struct { int predictor, colors, columns; std::string predicted, plain; } cases[] = {
+    const struct { const char* parms; std::string predicted, plain; } cases[] = {
         // One row of each type: sub, up, average, Paeth (with wrap-around), none.
-        {12, 1, 3, "\1\1\1\1" "\2\1\1\1" "\3\2\2\2" "\4\1\0\xFF" "\0\x09\x08\x07"s, "\1\2\3\2\3\4\3\5\6\4\5\5\x09\x08\x07"},
+        {"/Predictor 12 /Columns 3", "\1\1\1\1" "\2\1\1\1" "\3\2\2\2" "\4\1\0\xFF" "\0\x09\x08\x07"s,
+         "\1\2\3\2\3\4\3\5\6\4\5\5\x09\x08\x07"},
         // Three bytes a pixel: "left" is one pixel back.
-        {15, 3, 2, "\1\x0A\x14\x1E\5\5\5" "\4\0\0\0\xFA\1\2"s, "\x0A\x14\x1E\x0F\x19\x23\x0A\x14\x1E\x09\x1A\x25"},
+        {"/Predictor 15 /Colors 3 /Columns 2", "\1\x0A\x14\x1E\5\5\5" "\4\0\0\0\xFA\1\2"s,
+         "\x0A\x14\x1E\x0F\x19\x23\x0A\x14\x1E\x09\x1A\x25"},
         // A short last row is decoded as far as it goes.
-        {10, 1, 4, "\1\1\1\1\1" "\2\5\5", "\1\2\3\4\6\7"},
+        {"/Predictor 10 /Columns 4", "\1\1\1\1\1" "\2\5\5", "\1\2\3\4\6\7"},
     };
     for (const auto& c : cases) {
-        Ptr<Stream> stream = streamWith(names::FlateDecode(), predictorParms(c.predictor, c.colors, c.columns),
-                                        flate::compress(c.predicted));
-        EXPECT_EQ(stream->decode(), c.plain) << "Predictor " << c.predictor;
+        Ptr<Stream> stream =
+            streamOf("<</Filter /FlateDecode /DecodeParms <<" + std::string(c.parms) + ">>>>", flate::compress(c.predicted));
+        EXPECT_EQ(stream->decode(), c.plain) << c.parms;
         stream->removeFilter();
         EXPECT_EQ(stream->data()->bytes(), c.plain);
         EXPECT_EQ(stream->dict()->get(names::DecodeParms()), nullptr);
@@ -270,8 +260,8 @@ TEST(Stream, PngPredictorsAreUndone)
 TEST(Stream, FilterArraysAreUndoneOneAtATime)
 {
     const std::string predicted = "\0a\1b\0c"s;
-    Ptr<Stream> stream = streamWith(arrayOf({names::FlateDecode(), names::FlateDecode()}),
-                                    arrayOf({make<Null>(), predictorParms(11, 1, 1)}), flate::compress(flate::compress(predicted)));
+    Ptr<Stream> stream = streamOf("<</Filter [/FlateDecode /FlateDecode] /DecodeParms [null <</Predictor 11>>]>>",
+                                  flate::compress(flate::compress(predicted)));
     EXPECT_EQ(stream->decode(), "abc");
     stream->removeFilter();
     EXPECT_EQ(stream->data()->bytes(), flate::compress(predicted));
@@ -287,13 +277,13 @@ TEST(Stream, DecodingFailures)
 {
     const std::string good = flate::compress("some text to inflate");
     const struct { Ptr<Stream> stream; const char* message; } cases[] = {
-        {streamWith(names::FlateDecode(), predictorParms(2, 1, 1), good), "Predictor less than 10 not supported"},
-        {streamWith(make<Name>("LZWDecode"), nullptr, good), "Stream::decode: No suitable decoder available"},
-        {streamWith(names::FlateDecode(), nullptr, "not zlib at all"), "ZLib decompression error"},
-        {streamWith(names::FlateDecode(), nullptr, good.substr(0, good.size() - 6)), "ZLib decompression error"},
-        {streamWith(names::FlateDecode(), arrayOf({names::FlateDecode()}), good), "DecodeParms must be a dictionary"},
-        {streamWith(arrayOf({names::FlateDecode()}), make<Dict>(), good), "DecodeParms must be an array"},
-        {streamWith(make<Number>(1), nullptr, good), "removeFilter() - Filter value not valid"},
+        {streamOf("<</Filter /FlateDecode /DecodeParms <</Predictor 2>>>>", good), "Predictor less than 10 not supported"},
+        {streamOf("<</Filter /LZWDecode>>", good), "Stream::decode: No suitable decoder available"},
+        {streamOf("<</Filter /FlateDecode>>", "not zlib at all"), "ZLib decompression error"},
+        {streamOf("<</Filter /FlateDecode>>", good.substr(0, good.size() - 6)), "ZLib decompression error"},
+        {streamOf("<</Filter /FlateDecode /DecodeParms [/FlateDecode]>>", good), "DecodeParms must be a dictionary"},
+        {streamOf("<</Filter [/FlateDecode] /DecodeParms <<>>>>", good), "DecodeParms must be an array"},
+        {streamOf("<</Filter 1>>", good), "removeFilter() - Filter value not valid"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(errorOf([&] { c.stream->removeFilter(); }), c.message);

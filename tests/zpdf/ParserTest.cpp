@@ -3,17 +3,15 @@
 
 #include "zpdf/Array.h"
 #include "zpdf/BufferWriter.h"
-#include "zpdf/IndirectTable.h"
 #include "zpdf/Names.h"
 #include "zpdf/Number.h"
-#include "zpdf/ObjectParser.h"
 #include "zpdf/Stream.h"
-#include "zpdf/Tokenizer.h"
 
 #include <gtest/gtest.h>
 
 using namespace zpdf;
 using zpdfTest::errorOf;
+using zpdfTest::Parsing;
 
 namespace {
 
@@ -33,17 +31,6 @@ TEST(Tokenizer, StringsAndNamesAreDecoded)
     EXPECT_EQ(Tokenizer::decodeName("a#b"), "a#b") << "'#' without two digits stands for itself";
     EXPECT_THROW(Tokenizer::decodeName("a#00"), PdfException);
 }
-
-// Parses objects from one text, as a reader does.
-struct Parsing {
-    explicit Parsing(std::string text) : bytes(std::move(text)), tokens(bytes), parser(tokens, names, table) {}
-
-    std::string bytes;
-    std::shared_ptr<IndirectTable> table = std::make_shared<IndirectTable>();
-    NameTable names;
-    Tokenizer tokens;
-    ObjectParser parser;
-};
 
 // The object parsed from `text`, written again; the whole text must be read.
 std::string reparsed(const std::string& text)

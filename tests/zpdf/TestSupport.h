@@ -4,11 +4,14 @@
 
 #include "zpdf/Array.h"
 #include "zpdf/Document.h"
+#include "zpdf/IndirectTable.h"
+#include "zpdf/ObjectParser.h"
 #include "zpdf/PdfException.h"
 
 #include <cstdint>
 #include <initializer_list>
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,6 +26,17 @@ std::string temporaryPath(const char* suffix);
 std::string readFile(const std::string& path);
 // Runs a shell command natively, appending its output (stderr too); returns its exit code.
 int run(const std::string& command, std::string& output);
+
+// Parses objects from one text, as a reader does (references resolve to nothing).
+struct Parsing {
+    explicit Parsing(std::string text) : bytes(std::move(text)), tokens(bytes), parser(tokens, names, table) {}
+
+    std::string bytes;
+    std::shared_ptr<zpdf::IndirectTable> table = std::make_shared<zpdf::IndirectTable>();
+    zpdf::NameTable names;
+    zpdf::Tokenizer tokens;
+    zpdf::ObjectParser parser;
+};
 
 zpdf::Ptr<zpdf::Array> arrayOf(std::initializer_list<zpdf::Ptr<zpdf::Object>> elements);
 
