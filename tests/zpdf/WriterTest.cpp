@@ -77,7 +77,6 @@ std::uint32_t fill(Document& document)
 {
     Ptr<Dict> font = make<Dict>();
     font->set(names::Type(), names::Font());
-    font->set(names::Subtype(), names::Type0());
     Ptr<Dict> fonts = make<Dict>();
     fonts->set(names::F(), document.add(font));
     Ptr<Dict> resources = make<Dict>();
@@ -87,15 +86,13 @@ std::uint32_t fill(Document& document)
     document.addPage(595.5, 842, resources, contents);
     document.addPage(612, 792, nullptr, make<Stream>(std::string("\0\xFF(raw)\r\nbytes", 14)));
 
-    const std::uint32_t arrayNumber =
-        document
-            .add(arrayOf({make<Number>(-3), make<Number>(0.125), make<Number>(1e-4), make<Bool>(true), make<Null>(),
-                          make<String>("literal (balanced) text", StringMode::literal), make<String>("0a1B", StringMode::hex),
-                          make<String>(ZString(u"Wide \u00e9")), make<String>(ZString()), make<Array>(), make<Dict>()}))
-            ->number();
+    const Ptr<Reference> values = document.add(arrayOf(
+        {make<Number>(-3), make<Number>(0.125), make<Number>(1e-4), make<Bool>(true), make<Null>(),
+         make<String>("literal (balanced) text", StringMode::literal), make<String>("0a1B", StringMode::hex),
+         make<String>(ZString(u"Wide \u00e9")), make<String>(ZString()), make<Array>(), make<Dict>()}));
     document.setInfo(names::Title(), make<String>(ZString(u"Gr\u00fc\u00dfe \U0001F600")));
     document.setInfo(names::Producer(), make<String>("zpdf", StringMode::literal));
-    return arrayNumber;
+    return values->number();
 }
 
 TEST(RoundTrip, WrittenDocumentsReadBackEqualRewriteByteForByteAndCanBeChanged)
@@ -124,10 +121,7 @@ TEST(RoundTrip, WrittenDocumentsReadBackEqualRewriteByteForByteAndCanBeChanged)
         EXPECT_TRUE(file.trailer().get(*key)->equals(original.trailer().get(*key)));
 
     PdfFile once(bytes); // not loaded beforehand: the writer loads what it needs
-    const std::string second = written(once);
-    EXPECT_EQ(second, bytes) << "the writer's own output comes back byte for byte";
-    PdfFile twice(second);
-    EXPECT_EQ(written(twice), second);
+    EXPECT_EQ(written(once), bytes) << "the writer's own output comes back byte for byte";
 
     PdfFile changing(bytes);
     changing.addPage(100, 100, nullptr, nullptr);
