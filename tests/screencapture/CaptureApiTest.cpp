@@ -80,29 +80,17 @@ TEST_F(ScreenCaptureApi, ManyCapturesLeaveNoGdiObjectHandleOrWindowBehind)
     EXPECT_TRUE(after == before) << after.describe() << " after, " << before.describe() << " before";
 }
 
-// Everything that names the temporary folder, pointed at one place while the object lives
-// (the scratch environment puts TMP and TEMP back afterwards).
-class TemporaryFolderAt {
-public:
-    explicit TemporaryFolderAt(const wchar_t* folder)
-    {
-        GetCurrentDirectoryW(MAX_PATH, savedCurrent_);
-        SetEnvironmentVariableW(L"TMP", folder);
-        SetEnvironmentVariableW(L"TEMP", folder);
-        SetCurrentDirectoryW(folder);
-    }
-    ~TemporaryFolderAt() { SetCurrentDirectoryW(savedCurrent_); }
-
-private:
-    wchar_t savedCurrent_[MAX_PATH] = {};
-};
-
 TEST_F(ScreenCaptureApi, UnusableTemporaryFolderIsTheOneFailureThatReachesTheHost)
 {
     if (!runningOnWine())
         GTEST_SKIP() << "needs Wine's Z: drive";
-    // Z: is the Unix root under Wine, and nobody can create files in /proc.
-    TemporaryFolderAt proc(L"Z:\\proc");
+    // Z: is the Unix root under Wine, and nobody can create files in /proc. Everything that
+    // names the temporary folder points there (the scratch environment puts TMP and TEMP back).
+    wchar_t current[MAX_PATH] = {};
+    GetCurrentDirectoryW(MAX_PATH, current);
+    for (const wchar_t* variable : {L"TMP", L"TEMP"})
+        SetEnvironmentVariableW(variable, L"Z:\\proc");
+    SetCurrentDirectoryW(L"Z:\\proc");
     auto acknowledge = [](UiRobot& r) { pressButton(r.waitForWindow(L"#32770", L"Temporary files folder not writeable"), IDOK); };
 
     UiRobot cppHost(acknowledge);
@@ -112,6 +100,7 @@ TEST_F(ScreenCaptureApi, UnusableTemporaryFolderIsTheOneFailureThatReachesTheHos
     UiRobot cHost(acknowledge);
     EXPECT_NO_THROW(screenCapture_capture(screenCapture::screen, screenCapture::imageEditor));
     EXPECT_EQ(cHost.finish(), "");
+    SetCurrentDirectoryW(current);
 }
 
 } // namespace
