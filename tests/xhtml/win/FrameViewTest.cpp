@@ -15,23 +15,14 @@ using xhtml::XhtmlFrameView;
 
 namespace {
 
-struct Presses : xhtml::ButtonListener, xhtml::LinkListener {
-    std::vector<std::wstring> heard;
-    void onButtonPressed(const ZString& name) override { heard.push_back(L"button " + std::wstring(name.c_str())); }
-    void onLinkClicked(const ZString& href) override { heard.push_back(L"link " + std::wstring(href.c_str())); }
-};
-
 struct GdiplusOn {
     ULONG_PTR token = 0;
-    GdiplusOn()
-    {
-        Gdiplus::GdiplusStartupInput input;
-        Gdiplus::GdiplusStartup(&token, &input, nullptr);
-    }
+    Gdiplus::GdiplusStartupInput input;
+    GdiplusOn() { Gdiplus::GdiplusStartup(&token, &input, nullptr); }
     ~GdiplusOn() { Gdiplus::GdiplusShutdown(token); }
 };
 
-// GDI+ on and a visible 400 x 300 frame for each test.
+// GDI+ on (until the frame is gone) and a visible 400 x 300 frame for each test.
 class MarkupHost : public testing::Test {
 protected:
     MarkupHost()
@@ -45,54 +36,49 @@ protected:
     XhtmlFrameView frame;
 };
 
-const wchar_t* const kSelects =
+const wchar_t* const kControls =
     L"<select id=s><option value=a>Alpha</option><option value=b selected>Beta</option><option value=c>Gamma</option></select>"
     L"<select id=m multiple><option value=1>one</option><option value=2>two</option><option value=3>three</option></select>"
     L"<input type=button name=go value=Go/><input type=button name=stop value=Stop/><a href='next.xhtml'>next</a>";
 
-TEST_F(MarkupHost, SelectValueIsSetByOptionValueQuietlyAndReadBackAsTheUserLeftIt)
+TEST_F(MarkupHost, SelectValueIsSetQuietlyByOptionValueAndReadBackAsTheUserLeftIt)
 {
-    frame.setMarkup(kSelects);
+    frame.setMarkup(kControls);
     HWND combo = frame.controlWindow(L"s");
     ASSERT_NE(combo, nullptr);
     EXPECT_EQ(frame.selectValue(L"s"), ZString(L"b"));
-    EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), 1);
-
     EXPECT_TRUE(frame.setSelectValue(L"s", L"c"));
     EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), 2) << "the window shows the new choice";
-    EXPECT_EQ(frame.selectValue(L"s"), ZString(L"c"));
     EXPECT_FALSE(frame.setSelectValue(L"s", L"clipboard"));
     EXPECT_FALSE(frame.setSelectValue(L"nothing", L"a"));
     EXPECT_EQ(frame.selectValue(L"s"), ZString(L"c")) << "an unknown value keeps the selection";
-
     SendMessageW(combo, CB_SETCURSEL, 0, 0); // the user's choice, however it arrived
     EXPECT_EQ(frame.selectValue(L"s"), ZString(L"a"));
 
     HWND list = frame.controlWindow(L"m");
-    ASSERT_NE(list, nullptr);
-    EXPECT_EQ(windowClass(list), L"ListBox");
-    EXPECT_TRUE(frame.setSelectValue(L"m", L"3"));
-    EXPECT_TRUE(frame.setSelectValue(L"m", L"2"));
+    ASSERT_EQ(windowClass(list), L"ListBox");
+    EXPECT_TRUE(frame.setSelectValue(L"m", L"3") && frame.setSelectValue(L"m", L"2"));
     EXPECT_GT(SendMessageW(list, LB_GETSEL, 2, 0), 0) << "several choices: the earlier one stays";
     EXPECT_EQ(frame.selectValue(L"m"), ZString(L"2"));
 }
 
-TEST_F(MarkupHost, ButtonPressesReachTheListenerByName)
+TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
 {
-    Presses presses;
+    struct Presses : xhtml::ButtonListener, xhtml::LinkListener {
+        std::vector<std::wstring> heard;
+        void onButtonPressed(const ZString& name) override { heard.push_back(L"button " + std::wstring(name.c_str())); }
+        void onLinkClicked(const ZString& href) override { heard.push_back(L"link " + std::wstring(href.c_str())); }
+    } presses;
     frame.context().setButtonListener(&presses);
     frame.context().setLinkListener(&presses);
-    frame.setMarkup(kSelects);
+    frame.setMarkup(kControls);
     for (HWND child = GetWindow(frame.handle(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
         if (windowClass(child) == L"Button" && windowText(child) == L"Stop")
             SendMessageW(child, BM_CLICK, 0, 0);
     }
     pumpMessages(50);
     xhtml::View* next = nullptr;
-    frame.views().forEach([&](xhtml::View& view) {
-        if (!view.href.isEmpty())
-            next = &view;
-    });
+    frame.views().forEach([&](xhtml::View& view) { next = view.href.isEmpty() ? next : &view; });
     ASSERT_NE(next, nullptr);
     const LPARAM at = MAKELPARAM(next->box.x + 2, next->box.y + 2);
     SendMessageW(frame.handle(), WM_LBUTTONDOWN, MK_LBUTTON, at);
@@ -120,7 +106,7 @@ TEST_F(MarkupHost, LoadsMarkupAndImagesFromTheModulesResourcesWithTheirAlpha)
     EXPECT_FALSE(xhtml::ImageCache::decode({1, 2, 3}));
 }
 
-TEST_F(MarkupHost, SizesToItsContentOnceAfterABurstOfChanges)
+TEST_F(MarkupHost, FitsToItsContentOnceAfterABurstOfChangesOrElseLetsPercentagesFollowTheWindow)
 {
     const LONG before = frame.clientRect().right;
     frame.setAxisMode(3, 0);
@@ -131,16 +117,13 @@ TEST_F(MarkupHost, SizesToItsContentOnceAfterABurstOfChanges)
     pumpMessages(200);
     EXPECT_EQ(frame.clientRect().right, 150);
     EXPECT_EQ(frame.clientRect().bottom, 60);
-
     frame.setSizeToContent(false, true);
     frame.setMarkup(L"<div style='width:90px; height:70px'></div>");
     frame.requestFit(true);
     EXPECT_EQ(frame.clientRect().right, 150) << "the width no longer follows";
     EXPECT_EQ(frame.clientRect().bottom, 70);
-}
 
-TEST_F(MarkupHost, PercentagesFollowTheWindowWhenItDoesNotSizeItself)
-{
+    frame.setSizeToContent(false, false);
     frame.setMarkup(L"<div id=half style='width:50%; height:100%'></div>");
     frame.setClientSize(300, 200);
     EXPECT_EQ(frame.elementRect(L"half"), (xhtml::Rect{0, 0, 150, 200}));
