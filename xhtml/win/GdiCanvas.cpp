@@ -1,5 +1,7 @@
 #include "xhtml/win/GdiCanvas.h"
 
+#include "base/win/DibHeader.h"
+
 namespace xhtml {
 
 namespace {
@@ -37,12 +39,7 @@ Colour midpoint(Colour a, Colour b)
 // A colour with partial transparency, blended with AlphaBlend from a one-pixel bitmap.
 void blendRect(HDC dc, const RECT& rect, Colour colour)
 {
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info.bmiHeader.biWidth = 1;
-    info.bmiHeader.biHeight = 1;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
+    const BITMAPINFO info = topDownDibHeader(1, 1, 32);
     void* bits = nullptr;
     BitmapHandle pixel(CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
     MemoryDC source(dc);
