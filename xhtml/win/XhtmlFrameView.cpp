@@ -107,10 +107,11 @@ void XhtmlFrameView::relayout()
     MemoryDC measuring(nullptr);
     GdiCanvas canvas(measuring.get(), fonts_, images_);
     const RECT client = handle() ? clientRect() : RECT{};
-    const RECT work = workAreaOf(handle());
     int width = client.right - client.left;
-    if (sizeToWidth_)
+    if (sizeToWidth_) {
+        const RECT work = workAreaOf(handle());
         width = std::min(views_.preferredWidth(canvas), static_cast<int>(work.right - work.left));
+    }
     const Size size = views_.layout(canvas, width, sizeToHeight_ ? -1 : client.bottom - client.top);
     const int dx = axisMode_[0] == 1 ? std::max(0, static_cast<int>(client.right) - size.width) / 2 : 0;
     const int dy = axisMode_[1] == 1 ? std::max(0, static_cast<int>(client.bottom) - size.height) / 2 : 0;
