@@ -1,16 +1,14 @@
 #include "zpdf/BoundedDecode.h"
 
 #include "zpdf/Array.h"
+#include "zpdf/Flate.h"
 #include "zpdf/Names.h"
 #include "zpdf/Number.h"
 #include "zpdf/PdfException.h"
 #include "zpdf/PngPredictor.h"
 #include "zpdf/Stream.h"
 
-#include <zlib.h>
-
 #include <algorithm>
-#include <limits>
 
 namespace zpdf {
 
@@ -19,34 +17,6 @@ namespace {
 // Deflate cannot expand data by more than about this factor.
 constexpr std::size_t maxDeflateRatio = 1032;
 constexpr std::size_t maxStructureBytes = std::size_t{256} << 20;
-
-std::string inflateBounded(const std::string& data, std::size_t limit)
-{
-    z_stream stream{};
-    if (inflateInit(&stream) != Z_OK)
-        throw PdfException("ZLib decompression error");
-    std::string result;
-    char piece[16384];
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
-    stream.avail_in = static_cast<uInt>(std::min<std::size_t>(data.size(), std::numeric_limits<uInt>::max()));
-    int status = Z_OK;
-    while (status != Z_STREAM_END) {
-        stream.next_out = reinterpret_cast<Bytef*>(piece);
-        stream.avail_out = sizeof piece;
-        status = inflate(&stream, Z_NO_FLUSH);
-        const std::size_t produced = sizeof piece - stream.avail_out;
-        if (status == Z_BUF_ERROR && stream.avail_in == 0 && produced == 0)
-            break; // truncated data: what was decoded is used, as readers do
-        if ((status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) || result.size() + produced > limit) {
-            inflateEnd(&stream);
-            throw PdfException(status == Z_OK || status == Z_STREAM_END ? "Decoded stream too long"
-                                                                        : "ZLib decompression error");
-        }
-        result.append(piece, produced);
-    }
-    inflateEnd(&stream);
-    return result;
-}
 
 int intEntry(Dict* parms, const Ptr<Name>& key, int fallback)
 {
@@ -106,7 +76,7 @@ std::string decodeBounded(const Stream& stream, std::size_t limit)
         Object* step = filters ? filters->at(i) : filter;
         if (!isFlate(step))
             throw PdfException("Unsupported filter in a cross-reference or object stream");
-        data = undoPredictor(inflateBounded(data, limit), parmsAt(parms, i));
+        data = undoPredictor(flate::decompressBounded(data, limit), parmsAt(parms, i));
         if (data.size() > limit)
             throw PdfException("Decoded stream too long");
     }

@@ -14,4 +14,9 @@ std::string compress(std::string_view data);
 // "ZLib decompression error" for damaged or truncated data.
 std::string decompress(std::string_view data);
 
+// Inflates a zlib stream into at most `limit` bytes; truncated data gives what was decoded,
+// as readers do. Throws PdfException "ZLib decompression error" for damaged data and
+// "Decoded stream too long" beyond the limit.
+std::string decompressBounded(std::string_view data, std::size_t limit);
+
 } // namespace zpdf::flate
