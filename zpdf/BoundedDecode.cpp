@@ -3,7 +3,6 @@
 #include "zpdf/Array.h"
 #include "zpdf/Flate.h"
 #include "zpdf/Names.h"
-#include "zpdf/Number.h"
 #include "zpdf/PdfException.h"
 #include "zpdf/PngPredictor.h"
 #include "zpdf/Stream.h"
@@ -18,23 +17,11 @@ namespace {
 constexpr std::size_t maxDeflateRatio = 1032;
 constexpr std::size_t maxStructureBytes = std::size_t{256} << 20;
 
-int intEntry(Dict* parms, const Ptr<Name>& key, int fallback)
+std::string undoPredictor(std::string data, const Dict* parms)
 {
-    Object* value = parms ? parms->get(key) : nullptr;
-    Number* number = value ? value->asNumber() : nullptr;
-    return number ? number->intValue() : fallback;
-}
-
-std::string undoPredictor(std::string data, Dict* parms)
-{
-    const int predictor = intEntry(parms, names::Predictor(), 1);
-    if (predictor == 1)
+    const PredictorParams params = parms ? predictorParams(*parms) : PredictorParams();
+    if (params.predictor == 1)
         return data;
-    PredictorParams params;
-    params.predictor = predictor;
-    params.colors = intEntry(parms, names::Colors(), 1);
-    params.bitsPerComponent = intEntry(parms, names::BitsPerComponent(), 8);
-    params.columns = intEntry(parms, names::Columns(), 1);
     return undoPngPredictor(data, params);
 }
 

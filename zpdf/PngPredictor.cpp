@@ -1,5 +1,8 @@
 #include "zpdf/PngPredictor.h"
 
+#include "zpdf/Dict.h"
+#include "zpdf/Names.h"
+#include "zpdf/Number.h"
 #include "zpdf/PdfException.h"
 
 #include <algorithm>
@@ -45,7 +48,25 @@ void undoRow(int rowType, std::uint8_t* row, const std::uint8_t* previous, std::
     }
 }
 
+int intEntry(const Dict& parms, const Ptr<Name>& key, int fallback)
+{
+    Object* value = parms.get(key);
+    Number* number = value ? value->asNumber() : nullptr;
+    return number ? number->intValue() : fallback;
+}
+
 } // namespace
+
+PredictorParams predictorParams(const Dict& parms)
+{
+    const PredictorParams defaults;
+    PredictorParams params;
+    params.predictor = intEntry(parms, names::Predictor(), defaults.predictor);
+    params.colors = intEntry(parms, names::Colors(), defaults.colors);
+    params.bitsPerComponent = intEntry(parms, names::BitsPerComponent(), defaults.bitsPerComponent);
+    params.columns = intEntry(parms, names::Columns(), defaults.columns);
+    return params;
+}
 
 std::string undoPngPredictor(std::string_view data, const PredictorParams& params)
 {

@@ -6,12 +6,18 @@
 
 namespace zpdf {
 
+class Dict;
+
 struct PredictorParams {
     int predictor = 1;
     int colors = 1;
     int bitsPerComponent = 8;
     int columns = 1;
 };
+
+// Predictor, Colors, BitsPerComponent and Columns of a DecodeParms dictionary; an entry
+// that is missing or no number keeps its default.
+PredictorParams predictorParams(const Dict& parms);
 
 // Each row is one filter-type byte (0 none, 1 sub, 2 up, 3 average, 4 Paeth) and its
 // bytes; a short last row is decoded as far as it goes. Throws PdfException: "Predictor

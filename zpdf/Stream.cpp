@@ -52,13 +52,6 @@ std::vector<FilterStep> filterChain(const Dict& dict)
     return steps;
 }
 
-int intEntry(const Dict& parms, const Ptr<Name>& key, int fallback)
-{
-    Object* value = parms.get(key);
-    Number* number = value ? value->asNumber() : nullptr;
-    return number ? number->intValue() : fallback;
-}
-
 std::string undoStep(const FilterStep& step, std::string_view data)
 {
     const std::string& name = step.filter->bytes();
@@ -67,12 +60,7 @@ std::string undoStep(const FilterStep& step, std::string_view data)
     std::string inflated = flate::decompress(data);
     if (!step.parms || !step.parms->get(names::Predictor()))
         return inflated;
-    PredictorParams params;
-    params.predictor = intEntry(*step.parms, names::Predictor(), 1);
-    params.colors = intEntry(*step.parms, names::Colors(), 1);
-    params.bitsPerComponent = intEntry(*step.parms, names::BitsPerComponent(), 8);
-    params.columns = intEntry(*step.parms, names::Columns(), 1);
-    return undoPngPredictor(inflated, params);
+    return undoPngPredictor(inflated, predictorParams(*step.parms));
 }
 
 // The array without its first element, or null when nothing would be left.
