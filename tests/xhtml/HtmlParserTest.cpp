@@ -57,17 +57,6 @@ TEST(HtmlParser, Attributes)
     });
 }
 
-TEST(HtmlParser, NothingToParseAndTheResultInsideAnElement)
-{
-    xhtml::HtmlTagNode root, p(ZString(u"p"));
-    const ZString text(u"x</p>rest");
-    EXPECT_EQ(xhtml::HtmlParser::parse(&root, ZString().c_str()), nullptr);
-    EXPECT_EQ(xhtml::HtmlParser::parse(nullptr, text.c_str()), nullptr);
-    EXPECT_EQ(xhtml::HtmlParser::parse(&root, nullptr), nullptr);
-    EXPECT_TRUE(root.children().empty());
-    EXPECT_EQ(xhtml::HtmlParser::parse(&p, text.c_str()), text.c_str() + 5); // after the closing end tag
-}
-
 TEST(HtmlParser, MillionNestedElementsParseAndDeleteWithoutRecursion)
 {
     const int depth = 1000000;
