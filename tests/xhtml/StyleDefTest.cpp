@@ -20,15 +20,8 @@ std::optional<StyleValue> valueOf(const char* declarations, StyleProperty proper
     return value ? std::optional<StyleValue>(*value) : std::nullopt;
 }
 
-StyleNumber integer(int value, bool percent = false)
-{
-    return StyleNumber{false, percent, value, 0};
-}
-
-StyleNumber real(double value, bool percent = false)
-{
-    return StyleNumber{true, percent, 0, value};
-}
+StyleNumber integer(int value, bool percent = false) { return StyleNumber{false, percent, value, 0}; }
+StyleNumber real(double value, bool percent = false) { return StyleNumber{true, percent, 0, value}; }
 
 } // namespace
 
