@@ -4,25 +4,12 @@
 
 namespace zpdf {
 
-namespace {
-
-std::FILE* openForWriting(const ZString& path)
-{
-#ifdef _WIN32
-    return _wfopen(path.c_str(), L"wb");
-#else
-    return std::fopen(path.toUtf8().c_str(), "wb");
-#endif
-}
-
-} // namespace
-
-FileWriter::FileWriter(const ZString& path) : file_(openForWriting(path))
+FileWriter::FileWriter(const ZString& path) : file_(openFile(path, "wb"))
 {
     if (!file_)
         throw PdfException("FileWriter: cannot create \"" + path.toUtf8() + "\"");
     // The Writer stages the bytes already.
-    std::setvbuf(file_, nullptr, _IONBF, 0);
+    std::setvbuf(file_.get(), nullptr, _IONBF, 0);
 }
 
 FileWriter::~FileWriter()
@@ -34,7 +21,6 @@ FileWriter::~FileWriter()
     } catch (const PdfException&) {
         // Reported by close() only.
     }
-    std::fclose(file_);
 }
 
 void FileWriter::close()
@@ -42,9 +28,7 @@ void FileWriter::close()
     if (!file_)
         return;
     flush();
-    std::FILE* file = file_;
-    file_ = nullptr;
-    if (std::fclose(file) != 0)
+    if (std::fclose(file_.release()) != 0)
         throw PdfException("FileWriter: write error");
 }
 
@@ -52,7 +36,7 @@ void FileWriter::sink(const char* data, std::size_t size)
 {
     if (!file_)
         throw PdfException("FileWriter: file is closed");
-    if (size != 0 && std::fwrite(data, 1, size, file_) != size)
+    if (size != 0 && std::fwrite(data, 1, size, file_.get()) != size)
         throw PdfException("FileWriter: write error");
 }
 

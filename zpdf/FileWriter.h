@@ -1,11 +1,10 @@
 #pragma once
 // FileWriter: a Writer into a file, created or truncated on construction.
 
+#include "zpdf/OpenFile.h"
 #include "zpdf/Writer.h"
 
 #include "base/ZString.h"
-
-#include <cstdio>
 
 namespace zpdf {
 
@@ -23,7 +22,7 @@ protected:
     void sink(const char* data, std::size_t size) override;
 
 private:
-    std::FILE* file_ = nullptr;
+    FilePtr file_;
 };
 
 } // namespace zpdf

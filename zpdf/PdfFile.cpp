@@ -3,6 +3,7 @@
 #include "zpdf/Names.h"
 #include "zpdf/ObjectParser.h"
 #include "zpdf/ObjectStream.h"
+#include "zpdf/OpenFile.h"
 #include "zpdf/PdfException.h"
 #include "zpdf/Repair.h"
 #include "zpdf/Stream.h"
@@ -37,18 +38,10 @@ bool inUse(const CrossReference::Entry& entry)
     return entry.kind == CrossReference::Kind::direct || entry.kind == CrossReference::Kind::compressed;
 }
 
-std::FILE* openForReading(const ZString& path)
-{
-#ifdef _WIN32
-    return _wfopen(path.c_str(), L"rb");
-#else
-    return std::fopen(path.toUtf8().c_str(), "rb");
-#endif
-}
-
 std::string readWholeFile(const ZString& path)
 {
-    std::FILE* file = openForReading(path);
+    const FilePtr owner = openFile(path, "rb");
+    std::FILE* file = owner.get();
     if (!file)
         throw PdfException("PdfFile: cannot open \"" + path.toUtf8() + "\"");
     std::string bytes;
@@ -66,9 +59,7 @@ std::string readWholeFile(const ZString& path)
         bytes.reserve(static_cast<std::size_t>(size));
     for (std::size_t got; (got = std::fread(piece, 1, sizeof piece, file)) > 0;)
         bytes.append(piece, got);
-    const bool failed = std::ferror(file) != 0;
-    std::fclose(file);
-    if (failed)
+    if (std::ferror(file) != 0)
         throw PdfException("PdfFile: cannot read \"" + path.toUtf8() + "\"");
     return bytes;
 }
