@@ -4,15 +4,6 @@
 
 namespace zpdf {
 
-namespace {
-
-bool inUse(const CrossReference::Entry& entry)
-{
-    return entry.kind == CrossReference::Kind::direct || entry.kind == CrossReference::Kind::compressed;
-}
-
-} // namespace
-
 CrossReference::Entry* CrossReference::slot(std::uint32_t number)
 {
     if (!admits(number))
@@ -32,7 +23,7 @@ void CrossReference::addIfAbsent(std::uint32_t number, const Entry& entry)
 
 void CrossReference::addUnlessInUse(std::uint32_t number, const Entry& entry)
 {
-    if (inUse(at(number)))
+    if (at(number).inUse())
         return;
     if (Entry* target = slot(number))
         *target = entry;
@@ -55,7 +46,7 @@ std::uint32_t CrossReference::countInUse() const
 {
     std::uint32_t count = 0;
     for (const Entry& entry : entries_)
-        count += inUse(entry) ? 1 : 0;
+        count += entry.inUse() ? 1 : 0;
     return count;
 }
 

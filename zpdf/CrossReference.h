@@ -22,6 +22,9 @@ public:
         std::uint32_t index = 0;
         std::uint16_t generation = 0;
         Kind kind = Kind::none;
+
+        // Direct or compressed: the number has an object.
+        bool inUse() const { return kind == Kind::direct || kind == Kind::compressed; }
     };
 
     // The highest object number that can be entered is limit - 1.

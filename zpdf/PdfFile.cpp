@@ -33,11 +33,6 @@ std::uint32_t numberLimit(std::size_t fileSize)
     return static_cast<std::uint32_t>(std::min<std::uint64_t>(maxObjects, maxObjectsPerByte * fileSize + 1024));
 }
 
-bool inUse(const CrossReference::Entry& entry)
-{
-    return entry.kind == CrossReference::Kind::direct || entry.kind == CrossReference::Kind::compressed;
-}
-
 std::string readWholeFile(const ZString& path)
 {
     const FilePtr owner = openFile(path, "rb");
@@ -166,7 +161,7 @@ void PdfFile::refuseEncryption() const
 void PdfFile::loadAllObjects()
 {
     for (std::uint32_t number = 1; number < entries_.size(); ++number)
-        if (states_[number] == State::unloaded && inUse(entries_.at(number)))
+        if (states_[number] == State::unloaded && entries_.at(number).inUse())
             table()->find(number);
 }
 
@@ -181,7 +176,7 @@ Indirect* PdfFile::load(std::uint32_t number)
     if (number == 0 || number >= states_.size() || states_[number] != State::unloaded)
         return nullptr;
     const CrossReference::Entry entry = entries_.at(number);
-    if (!inUse(entry)) {
+    if (!entry.inUse()) {
         states_[number] = State::settled;
         return nullptr;
     }
