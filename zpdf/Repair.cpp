@@ -12,8 +12,6 @@ namespace zpdf {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 // The start of the decimal number that ends just before `end` (after blanks), or npos.
 std::size_t numberBefore(std::string_view data, std::size_t end, std::uint64_t& value)
 {
@@ -23,7 +21,7 @@ std::size_t numberBefore(std::string_view data, std::size_t end, std::uint64_t& 
     if (at == end)
         return std::string_view::npos; // no blank between the number and what follows
     const std::size_t last = at;
-    while (at > 0 && isDigit(data[at - 1]) && last - at < 10)
+    while (at > 0 && Tokenizer::isDigit(data[at - 1]) && last - at < 10)
         --at;
     if (at == last || (at > 0 && Tokenizer::isRegular(data[at - 1])))
         return std::string_view::npos;

@@ -17,8 +17,6 @@ int hexValue(char c)
     return -1;
 }
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 // More digits than this may not fit in 64 bits; such numbers are read as reals.
 constexpr std::size_t maxIntegerDigits = 18;
 

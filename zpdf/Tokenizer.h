@@ -55,6 +55,7 @@ public:
     static bool isWhite(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t' || c == '\f' || c == '\0'; }
     static bool isDelimiter(char c);
     static bool isRegular(char c) { return !isWhite(c) && !isDelimiter(c); }
+    static bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
     // The name's bytes with "#xx" escapes undone; `raw` is the token text.
     static std::string decodeName(std::string_view raw, std::size_t offset = 0);
