@@ -1,4 +1,4 @@
-// Style rules matched by tag, id and class words in a pointer state; sheets; state names.
+// Style rules matched by tag, id and class words in a pointer state, and read from sheets.
 
 #include "TreeText.h"
 
@@ -65,27 +65,13 @@ TEST(StyleRules, ApplyInListOrderForTheStateOnlyThenTheOwnStyle)
 TEST(StyleRules, SheetSelectorsAndBlocks)
 {
     StyleRuleList rules;
-    EXPECT_EQ(rules.addSheet(ZString(u"/* dialog */ div#bottom.bar:hoover { color: red } td, .note ,*:lbd{width:5}  "
-                                     u"a b { color: blue } p:press {x:y} span.a.b {} .x:rbd {top:1} unclosed { color: red")),
-              5);
+    EXPECT_EQ(rules.addSheet(ZString(u"/* dialog */ div#bottom.bar:hoover { color: red } td, .note ,*:LeftButtonDown{width:5}  "
+                                     u"a b { color: blue } p:press {x:y} span.a.b {} .x:rbd {top:1} i:MO{} unclosed { color: red")),
+              6);
     std::string text; // a state by the name of its style attribute
     for (const StyleRule& r : rules.rules())
         text += r.tag.toUtf8() + "#" + r.id.toUtf8() + "." + r.className.toUtf8() + ":"
                 + ZString(styleAttributeName(r.state)).toUtf8() + "{" + r.declarations.toUtf8() + "} ";
     EXPECT_EQ(text, "div#bottom.bar:mostyle{color: red} td#.:style{width:5} #.note:style{width:5} *#.:lbdstyle{width:5} "
-                    "#.x:rbdstyle{top:1} ");
-}
-
-TEST(PointerStates, Names)
-{
-    const struct {
-        const char16_t* name;
-        std::optional<PointerState> state;
-    } cases[] = {
-        {u"hover", PointerState::over}, {u"  MO ", PointerState::over}, {u"HoVeR", PointerState::over},
-        {u"LeftButtonDown", PointerState::leftButtonDown}, {u"rightbuttondown", PointerState::rightButtonDown},
-        {u"normal", PointerState::normal}, {u"press", std::nullopt}, {u"", std::nullopt},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(pointerStateFromName(ZString(c.name)), c.state) << ZString(c.name).toUtf8();
+                    "#.x:rbdstyle{top:1} i#.:mostyle{} ");
 }
