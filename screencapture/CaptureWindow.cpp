@@ -70,12 +70,14 @@ bool ScreenCapture::CaptureWindow::freezeScreen(const RECT& screen)
         ShowCursor(FALSE);
         snapshot_.emplace(display.get(), width, height);
         BitBlt(snapshot_->dc.get(), 0, 0, width, height, display.get(), screen.left, screen.top, kSnapshotCopy);
-        // Not filled here: painting fills it.
+        veiled_.emplace(display.get(), width, height);
+        // Not filled here: each mouse move fills what it sends to the screen.
         work_.emplace(display.get(), width, height);
         workPen_.emplace(workDC(), pen_.get());
         workBrush_.emplace(workDC(), GetStockObject(NULL_BRUSH));
     }
     ShowCursor(TRUE);
+    veilSnapshot(width, height);
     return true;
 }
 
@@ -119,9 +121,7 @@ void ScreenCapture::CaptureWindow::paint()
     PAINTSTRUCT paint = {};
     HDC dc = BeginPaint(handle(), &paint);
     const RECT& area = paint.rcPaint;
-    showSnapshot(area);
-    veil(area);
-    BitBlt(dc, area.left, area.top, widthOf(area), heightOf(area), workDC(), area.left, area.top, SRCCOPY);
+    BitBlt(dc, area.left, area.top, widthOf(area), heightOf(area), veiled_->dc.get(), area.left, area.top, SRCCOPY);
     EndPaint(handle(), &paint);
 }
 
@@ -139,11 +139,10 @@ void ScreenCapture::CaptureWindow::moveTo(POINT point)
     if (!selecting_)
         return;
     const RECT damaged = damagedArea(start_, current_, point);
-    showSnapshot(damaged);
-    veil(damaged);
+    compose(*veiled_, damaged);
     current_ = point;
     const RECT selection = selectionRect(start_, current_);
-    showSnapshot(selection);
+    compose(*snapshot_, selection);
     Rectangle(workDC(), selection.left, selection.top, selection.right, selection.bottom);
     if (HDC dc = getDC()) {
         BitBlt(dc, damaged.left, damaged.top, widthOf(damaged), heightOf(damaged), workDC(), damaged.left,
@@ -164,19 +163,20 @@ void ScreenCapture::CaptureWindow::finishAt(POINT point)
     destroy();
 }
 
-void ScreenCapture::CaptureWindow::showSnapshot(const RECT& area)
+void ScreenCapture::CaptureWindow::compose(const Surface& source, const RECT& area)
 {
-    BitBlt(workDC(), area.left, area.top, widthOf(area), heightOf(area), snapshot_->dc.get(), area.left, area.top,
+    BitBlt(workDC(), area.left, area.top, widthOf(area), heightOf(area), source.dc.get(), area.left, area.top,
            SRCCOPY);
 }
 
-// A GDI+ graphics and brush live for one fill only.
-void ScreenCapture::CaptureWindow::veil(const RECT& area)
+// Once per overlay, so that neither painting nor a mouse move blends anything.
+void ScreenCapture::CaptureWindow::veilSnapshot(int width, int height)
 {
-    Gdiplus::Graphics graphics(workDC());
+    HDC veiled = veiled_->dc.get();
+    BitBlt(veiled, 0, 0, width, height, snapshot_->dc.get(), 0, 0, SRCCOPY);
+    Gdiplus::Graphics graphics(veiled);
     Gdiplus::SolidBrush brush{Gdiplus::Color(kVeilColour)};
-    graphics.FillRectangle(&brush, static_cast<INT>(area.left), static_cast<INT>(area.top), widthOf(area),
-                           heightOf(area));
+    graphics.FillRectangle(&brush, 0, 0, width, height);
 }
 
 } // namespace screenCapture
