@@ -43,15 +43,6 @@ HWND assistantWindow()
     return FindWindowW(L"Pryxa_Assistent", nullptr);
 }
 
-void sendCommandLine(HWND window, const ZString& commandLine)
-{
-    COPYDATASTRUCT data = {};
-    data.dwData = kCommandLineCopyData;
-    data.cbData = static_cast<DWORD>((commandLine.length() + 1) * sizeof(wchar_t));
-    data.lpData = const_cast<wchar_t*>(commandLine.c_str());
-    SendMessageW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data));
-}
-
 void startAssistant(const ZString& commandLine)
 {
     const ZString program = joinPath(progConfig_getStr(L"BinDir", ZString()), L"pryxa-Assistant.exe");

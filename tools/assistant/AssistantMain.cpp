@@ -100,12 +100,7 @@ int forwardToRunningInstance()
         Sleep(50);
     if (!window)
         return 1;
-    const ZString arguments = ownArguments();
-    COPYDATASTRUCT data = {};
-    data.dwData = screenCapture::kCommandLineCopyData;
-    data.cbData = static_cast<DWORD>((arguments.length() + 1) * sizeof(wchar_t));
-    data.lpData = const_cast<wchar_t*>(arguments.c_str());
-    return SendMessageW(window, WM_COPYDATA, 0, reinterpret_cast<LPARAM>(&data)) ? 0 : 1;
+    return screenCapture::sendCommandLine(window, ownArguments()) ? 0 : 1;
 }
 
 int run(HINSTANCE instance)
