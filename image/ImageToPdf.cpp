@@ -90,10 +90,11 @@ Palette readPalette(Gdiplus::Image& image)
     return Palette{palette->Count, std::vector<uint32_t>(palette->Entries, palette->Entries + count)};
 }
 
-std::optional<Embedding> passThrough(const ImageFacts& facts, const std::string& file)
+// The file's own JPEG bytes, taken over rather than copied.
+Embedding passThrough(const ImageFacts& facts, std::string file)
 {
     Embedding embedding;
-    embedding.data = file;
+    embedding.data = std::move(file);
     embedding.jpeg = true;
     embedding.colorSpace = facts.pixelFormat == PixelFormat8bppIndexed ? zpdf::names::DeviceGray() : zpdf::names::DeviceRGB();
     return embedding;
@@ -175,13 +176,14 @@ bool ImageToPdf::convert(const ConversionOptions& options, Gdiplus::Image& image
         facts.width = image.GetWidth();
         facts.height = image.GetHeight();
     }
-    const std::optional<std::string> file = readWholeFile(sourcePath);
+    // Only a JPEG's file is of use: its bytes may pass through, its size bounds a new encoding.
+    std::optional<std::string> file = facts.isJpeg ? readWholeFile(sourcePath) : std::nullopt;
     const int64_t fileSize = file ? static_cast<int64_t>(file->size()) : -1;
 
     std::optional<Embedding> embedding;
     if (options.passThroughJpg && facts.isJpeg && file && orientation.passThroughAllowed
         && (facts.pixelFormat == PixelFormat8bppIndexed || facts.pixelFormat == PixelFormat24bppRGB))
-        embedding = passThrough(facts, *file);
+        embedding = passThrough(facts, std::move(*file));
     if (!embedding && indexedBits(facts.pixelFormat) != 0
         && (facts.flags & (kColorSpaceRgb | kColorSpaceGray)) != 0)
         embedding = indexed(image, facts, document);
