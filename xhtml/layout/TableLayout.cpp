@@ -81,10 +81,11 @@ bool hasBorderAttribute(const View& table)
 void applyTableDefaults(const View& table, View& cell, LayoutEnv& env)
 {
     const int padding = table.style.cellPadding >= 0 ? table.style.cellPadding : env.scaled(kDefaultPadding);
+    const bool bordered = hasBorderAttribute(table);
     for (int side = 0; side < 4; ++side) {
         if (!cell.style.padding[side].set)
             cell.style.padding[side] = Length::pixels(padding);
-        if (hasBorderAttribute(table) && cell.style.border[side].room() == 0) {
+        if (bordered && cell.style.border[side].room() == 0) {
             cell.style.border[side].width = std::max(1, env.scaled(1));
             cell.style.border[side].style = StyleKeyword::solid;
         }
