@@ -106,12 +106,15 @@ void StyleDef::parse(const ZString& declarations)
 bool StyleDef::parseDeclaration(const ZString& name, const ZString& value)
 {
     const std::optional<StyleProperty> property = findProperty(name);
-    if (!property || value.trim().isEmpty())
+    if (!property)
+        return false;
+    const ZString trimmedValue = value.trim();
+    if (trimmedValue.isEmpty())
         return false;
     const StylePropertyInfo& info = propertyInfo(*property);
     if (info.syntax == ValueSyntax::border)
         return parseBorder(*property, value);
-    const std::optional<StyleValue> parsed = parseSimpleValue(info, value.trim());
+    const std::optional<StyleValue> parsed = parseSimpleValue(info, trimmedValue);
     if (!parsed)
         return false;
     set(*property, *parsed);
