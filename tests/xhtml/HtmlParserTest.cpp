@@ -1,29 +1,136 @@
-// The markup parser's forgiving rules, the document that parses filtered markup, and entities.
-
-#include "TreeText.h"
+// The markup parser's forgiving rules, as anchors and as a flat reading that random markup
+// must agree with; the document that parses filtered markup; entities.
 
 #include "xhtml/HtmlDocument.h"
 #include "xhtml/HtmlEntities.h"
+#include "xhtml/HtmlParser.h"
+#include "xhtml/MarkupText.h"
 
 #include <gtest/gtest.h>
 
 #include <initializer_list>
+#include <iterator>
+#include <random>
 #include <set>
 #include <utility>
+#include <vector>
+
+using namespace xhtml;
 
 namespace {
+
+// The children of a node in a compact text form: an element is name(attributes){...}, an
+// attribute name=[value], a text node "text". Example: "a" b(x=[1]){"c"}.
+std::string contentText(const HtmlTagNode& parent, bool attributes = true)
+{
+    std::string out;
+    for (const auto& child : parent.children()) {
+        out += out.empty() ? "" : " ";
+        if (child->isText()) {
+            out += '"' + static_cast<const HtmlTextNode&>(*child).text().toUtf8() + '"';
+            continue;
+        }
+        const auto& tag = static_cast<const HtmlTagNode&>(*child);
+        std::string list;
+        for (const HtmlAttribute& attribute : tag.attributes()) {
+            if (attributes)
+                list += (list.empty() ? "(" : " ") + attribute.name.toUtf8() + "=[" + attribute.value.toUtf8() + "]";
+        }
+        out += tag.name().toUtf8() + list + (list.empty() ? "" : ")");
+        if (!tag.children().empty())
+            out += '{' + contentText(tag, attributes) + '}';
+    }
+    return out;
+}
+
+std::unique_ptr<HtmlTagNode> parseDocument(const ZString& text)
+{
+    auto root = std::make_unique<HtmlTagNode>();
+    HtmlParser::parse(root.get(), text.c_str());
+    return root;
+}
 
 void expectTrees(std::initializer_list<std::pair<const char*, const char*>> cases)
 {
     for (const auto& [markup, tree] : cases)
-        EXPECT_EQ(xhtmltest::contentText(*xhtmltest::parseDocument(ZString::fromUtf8(markup))), tree) << markup;
+        EXPECT_EQ(contentText(*parseDocument(ZString::fromUtf8(markup))), tree) << markup;
 }
 
 std::u16string decoded(const std::u16string& text)
 {
     ZString value(reinterpret_cast<const ZChar*>(text.c_str()), static_cast<int>(text.size()));
-    xhtml::decodeEntities(value);
+    decodeEntities(value);
     return std::u16string(reinterpret_cast<const char16_t*>(value.c_str()), static_cast<size_t>(value.length()));
+}
+
+// Fragments that exercise every rule, non-ASCII letters included.
+const char* const fragments[] = {
+    "<", ">", "/", "/>", "!", "<!--", "-->", "--", "<!", "</", "<b>", "</b>", "<i ", "</i>", "<B", "</B ",
+    "<div class=\"x y\">", "</div>", "<img src=a.png>", "<br/>", "<textarea>", "</textarea>", "<style>",
+    "</STYLE>", "</style", "=", "\"", "'", " ", "\t", "\r\n", "a", "x", "1", "value", "title", "<p", "</p>",
+    "&amp;", "&#65;", "&", ";", "\xC3\xA9", "\xC3\x89", "\xE4\xB8\xAD", "<\xC3\xA9>", "< ", "<1", "</>",
+    "<input value=\" a \">", "<a b='c'>", "<a b=\"c>d\">",
+};
+
+std::u16string lower(std::u16string text)
+{
+    for (char16_t& unit : text)
+        unit = static_cast<char16_t>(ZString::toLower(static_cast<ZChar>(unit)));
+    return text;
+}
+
+// The flat reading. A comment runs to "-->", a tag from "<" to the first ">" (attribute
+// values stop there even inside quotes), either to the end if unclosed. A start tag ending
+// in "/>" is empty; any other opens an element, which an end tag of its name closes (an end
+// tag never closes an outer element). textarea and style hold all up to "</" and their name.
+void readFlat(const std::u16string& s, HtmlTagNode& root)
+{
+    auto at = [&](size_t i) -> char16_t { return i < s.size() ? s[i] : 0; };
+    auto after = [&](const char16_t* what, size_t from) {
+        const size_t found = s.find(what, from);
+        return found == std::u16string::npos ? s.size() : found + std::char_traits<char16_t>::length(what);
+    };
+    auto zstring = [](const std::u16string& run) { return ZString(reinterpret_cast<const ZChar*>(run.data()), int(run.size())); };
+    auto text = [&](size_t from, size_t to) {
+        return std::make_unique<HtmlTextNode>(zstring(s.substr(from, to - from)));
+    };
+    std::vector<HtmlTagNode*> open{&root};
+    for (size_t p = 0; p < s.size();) {
+        if (s.compare(p, 4, u"<!--") == 0) {
+            p = after(u"-->", p + 4);
+        } else if (at(p) == '<' && (at(p + 1) == '/' || isLetter(at(p + 1)))) {
+            const bool endTag = at(p + 1) == '/';
+            const size_t nameStart = p + (endTag ? 2 : 1);
+            size_t q = nameStart;
+            while (q < s.size() && !isSpace(at(q)) && at(q) != '>' && !(!endTag && at(q) == '/' && at(q + 1) == '>'))
+                ++q;
+            const std::u16string name = lower(s.substr(nameStart, q - nameStart));
+            p = after(u">", p);
+            if (endTag) {
+                if (!name.empty() && zstring(name) == open.back()->name())
+                    open.pop_back();
+                continue;
+            }
+            auto* element = static_cast<HtmlTagNode*>(
+                open.back()->appendChild(std::make_unique<HtmlTagNode>(zstring(name))));
+            if (s[p - 1] != '>' || s[p - 2] == '/')
+                continue; // cut off by the end, or empty
+            if (name != u"textarea" && name != u"style") {
+                open.push_back(element);
+            } else if (p < s.size()) {
+                for (q = p; q < s.size() && !(at(q) == '<' && at(q + 1) == '/' && lower(s.substr(q + 2, name.size())) == name);)
+                    ++q;
+                element->appendChild(text(p, q));
+                p = q;
+            }
+        } else {
+            size_t q = p + 1;
+            while (q < s.size() && !(at(q) == '<' && (at(q + 1) == '/' || at(q + 1) == '!' || isLetter(at(q + 1)))))
+                ++q;
+            open.back()->appendChild(text(p, q));
+            p = q;
+        }
+    }
 }
 
 } // namespace
@@ -75,11 +182,11 @@ TEST(HtmlParser, MillionNestedElementsParseAndDeleteWithoutRecursion)
     text += u"x";
     for (int i = 0; i < depth; ++i)
         text += u"</div>";
-    auto root = xhtmltest::parseDocument(ZString(reinterpret_cast<const ZChar*>((text + u"tail").c_str())));
+    auto root = parseDocument(ZString(reinterpret_cast<const ZChar*>((text + u"tail").c_str())));
     ASSERT_EQ(root->children().size(), 2u) << "the end tags close every level";
     int levels = 0;
-    for (const xhtml::HtmlNode* node = root->children()[0].get(); node->isTag(); ++levels)
-        node = static_cast<const xhtml::HtmlTagNode*>(node)->children().at(0).get();
+    for (const HtmlNode* node = root->children()[0].get(); node->isTag(); ++levels)
+        node = static_cast<const HtmlTagNode*>(node)->children().at(0).get();
     EXPECT_EQ(levels, depth);
     root.reset(); // deleting the chain must not recurse either
 }
@@ -87,18 +194,18 @@ TEST(HtmlParser, MillionNestedElementsParseAndDeleteWithoutRecursion)
 TEST(HtmlDocument, FilterRewritesTheWholeTextBeforeParsingAndNewMarkupReplacesTheTree)
 {
     // Replaces the text as a host replaces its language keys, and keeps what it saw.
-    struct KeyFilter : xhtml::MarkupTextFilter {
+    struct KeyFilter : MarkupTextFilter {
         void filterMarkup(ZString& text) override { seen = std::exchange(text, ZString(u"<b title=\"TIP\">START</b>")); }
         ZString seen;
     } filter;
-    xhtml::HtmlDocument document;
+    HtmlDocument document;
     const ZString markup(u"<b title=\"{lang/tip}\">{lang/start}</b>");
     document.setMarkup(markup, filter, ZString(u"res:///captureUi.xhtml"));
     EXPECT_EQ(filter.seen, markup);
-    EXPECT_EQ(xhtmltest::contentText(document.root()), R"(b(title=[TIP]){"START"})");
-    xhtml::MarkupTextFilter unchanged;
+    EXPECT_EQ(contentText(document.root()), R"(b(title=[TIP]){"START"})");
+    MarkupTextFilter unchanged;
     document.setMarkup(ZString(u"<a>{lang/x}</a>"), unchanged);
-    EXPECT_EQ(xhtmltest::contentText(document.root()), R"(a{"{lang/x}"})");
+    EXPECT_EQ(contentText(document.root()), R"(a{"{lang/x}"})");
     EXPECT_EQ(document.baseAddress(), ZString(u"res:///captureUi.xhtml")); // no new base given
 }
 
@@ -128,9 +235,9 @@ TEST(HtmlEntities, NumericNamedAndMalformed)
 
 TEST(HtmlEntities, TableOf125NamesEachDecodingToItsUnit)
 {
-    const xhtml::NamedEntity* table = xhtml::namedEntities();
+    const NamedEntity* table = namedEntities();
     std::set<std::u16string> names;
-    for (int i = 0; i < xhtml::namedEntityCount; ++i) {
+    for (int i = 0; i < namedEntityCount; ++i) {
         names.insert(table[i].name);
         EXPECT_EQ(decoded(u"<" + std::u16string(table[i].name) + u">"), std::u16string(u"<") + table[i].unit + u">") << i;
         if (i >= 4 && i < 100) { // the Latin-1 block, from &nbsp; to &yuml;, runs in code order without gaps
@@ -139,4 +246,30 @@ TEST(HtmlEntities, TableOf125NamesEachDecodingToItsUnit)
     }
     EXPECT_EQ(names.size(), 125u);
     EXPECT_EQ(std::u16string(table[4].name) + table[99].name, u"&nbsp;&yuml;");
+}
+
+// Random markup (seeded, bounded) against the flat reading: text nodes are exactly its runs
+// and elements exactly its start tags, so together they account for every unit outside
+// comments and tags.
+TEST(HtmlParserProperties, EqualToTheFlatReading)
+{
+    std::mt19937 random(20240611);
+    std::uniform_int_distribution<int> length(0, 60);
+    std::uniform_int_distribution<size_t> pick(0, std::size(fragments) - 1);
+    for (int run = 0; run < 3000; ++run) {
+        std::string input;
+        for (int i = length(random); i > 0; --i)
+            input += fragments[pick(random)];
+        const ZString text = ZString::fromUtf8(input);
+        const auto root = parseDocument(text);
+        HtmlTagNode reference;
+        readFlat(std::u16string(reinterpret_cast<const char16_t*>(text.c_str()), size_t(text.length())), reference);
+        ASSERT_EQ(contentText(*root, false), contentText(reference, false)) << input;
+
+        // Inside an element: the end, or just after the ">" of the end tag that closed it.
+        HtmlTagNode b(ZString(u"b"));
+        const ZChar* end = HtmlParser::parse(&b, text.c_str());
+        const ZChar* last = text.c_str() + text.length();
+        ASSERT_TRUE(text.isEmpty() ? !end : end > text.c_str() && end <= last && (end == last || end[-1] == '>')) << input;
+    }
 }
