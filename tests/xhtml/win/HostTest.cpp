@@ -1,17 +1,22 @@
-// The markup host as a window: native controls and their values, button and link
-// listeners, resources and images by "res:///" address, and fitting to the content.
+// The markup host as a window (native controls and their values, listeners, resources and
+// images by "res:///" address, fitting to the content) and its GDI canvas, read back from a
+// bitmap.
 
+#include "base/win/GdiHandles.h"
+#include "tests/support/TestPixels.h"
+#include "tests/support/UiRobot.h"
+#include "xhtml/view/ComputedStyle.h"
 #include "xhtml/win/GdiCanvas.h"
 #include "xhtml/win/ModuleResourceLoader.h"
 #include "xhtml/win/XhtmlFrameView.h"
-#include "tests/support/UiRobot.h"
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
-using xhtml::XhtmlFrameView;
+using namespace xhtml;
 
 namespace {
 
@@ -64,7 +69,7 @@ TEST_F(MarkupHost, SelectValueIsSetQuietlyByOptionValueAndReadBackAsTheUserLeftI
 
 TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
 {
-    struct Presses : xhtml::ButtonListener, xhtml::LinkListener {
+    struct Presses : ButtonListener, LinkListener {
         std::vector<std::wstring> heard;
         void onButtonPressed(const ZString& name) override { heard.push_back(L"button " + std::wstring(name.c_str())); }
         void onLinkClicked(const ZString& href) override { heard.push_back(L"link " + std::wstring(href.c_str())); }
@@ -77,8 +82,8 @@ TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
             SendMessageW(child, BM_CLICK, 0, 0);
     }
     pumpMessages(50);
-    xhtml::View* next = nullptr;
-    frame.views().forEach([&](xhtml::View& view) { next = view.href.isEmpty() ? next : &view; });
+    View* next = nullptr;
+    frame.views().forEach([&](View& view) { next = view.href.isEmpty() ? next : &view; });
     ASSERT_NE(next, nullptr);
     const LPARAM at = MAKELPARAM(next->box.x + 2, next->box.y + 2);
     SendMessageW(frame.handle(), WM_LBUTTONDOWN, MK_LBUTTON, at);
@@ -88,22 +93,22 @@ TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
 
 TEST_F(MarkupHost, LoadsMarkupAndImagesFromTheModulesResourcesWithTheirAlpha)
 {
-    frame.context().setResourceLoader(std::make_unique<xhtml::ModuleResourceLoader>(GetModuleHandleW(nullptr)));
+    frame.context().setResourceLoader(std::make_unique<ModuleResourceLoader>(GetModuleHandleW(nullptr)));
     EXPECT_FALSE(frame.load(L"res:///missing.xhtml"));
     EXPECT_FALSE(frame.load(L"https://example.com/page.xhtml"));
     ASSERT_TRUE(frame.load(L"res:///page.xhtml"));
-    EXPECT_EQ(frame.elementRect(L"dot"), (xhtml::Rect{3, 3, 4, 2}));
+    EXPECT_EQ(frame.elementRect(L"dot"), (Rect{3, 3, 4, 2}));
 
     std::vector<uint8_t> bytes;
     ASSERT_TRUE(frame.context().resourceLoader()->load(L"res:///Dot.png", bytes)) << "names ignore case";
-    std::unique_ptr<Gdiplus::Bitmap> image = xhtml::ImageCache::decode(bytes);
+    std::unique_ptr<Gdiplus::Bitmap> image = ImageCache::decode(bytes);
     ASSERT_TRUE(image);
     Gdiplus::Color left, right;
     image->GetPixel(0, 0, &left);
     image->GetPixel(3, 1, &right);
     EXPECT_EQ(left.GetValue(), 0xFFFF0000u);
     EXPECT_EQ(right.GetAlpha(), 0) << "the transparent half stays transparent";
-    EXPECT_FALSE(xhtml::ImageCache::decode({1, 2, 3}));
+    EXPECT_FALSE(ImageCache::decode({1, 2, 3}));
 }
 
 TEST_F(MarkupHost, FitsToItsContentOnceAfterABurstOfChangesOrElseLetsPercentagesFollowTheWindow)
@@ -126,10 +131,89 @@ TEST_F(MarkupHost, FitsToItsContentOnceAfterABurstOfChangesOrElseLetsPercentages
     frame.setSizeToContent(false, false);
     frame.setMarkup(L"<div id=half style='width:50%; height:100%'></div>");
     frame.setClientSize(300, 200);
-    EXPECT_EQ(frame.elementRect(L"half"), (xhtml::Rect{0, 0, 150, 200}));
+    EXPECT_EQ(frame.elementRect(L"half"), (Rect{0, 0, 150, 200}));
     frame.setAxisMode(3, 1);
     frame.setMarkup(L"<div id=small style='width:100px; height:50px'></div>");
-    EXPECT_EQ(frame.elementRect(L"small"), (xhtml::Rect{0, 75, 100, 50})) << "a block fills the width; centred vertically";
+    EXPECT_EQ(frame.elementRect(L"small"), (Rect{0, 75, 100, 50})) << "a block fills the width; centred vertically";
+}
+
+// Paints with a GdiCanvas on a white 40 x 40 bitmap and returns its pixels (0xRRGGBB).
+PixelGrid painted(const std::function<void(GdiCanvas&)>& paint)
+{
+    WindowDC screen;
+    BitmapHandle bitmap(CreateCompatibleBitmap(screen.get(), 40, 40));
+    {
+        MemoryDC dc(screen.get());
+        SelectedObject selected(dc.get(), bitmap.get());
+        const RECT all = {0, 0, 40, 40};
+        FillRect(dc.get(), &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+        FontCache fonts;
+        ImageCache images;
+        GdiCanvas canvas(dc.get(), fonts, images);
+        paint(canvas);
+    }
+    return readBitmapPixels(bitmap.get());
+}
+
+int red(uint32_t pixel) { return (pixel >> 16) & 0xFF; }
+int blue(uint32_t pixel) { return pixel & 0xFF; }
+
+TEST(GdiCanvas, TextIsMeasuredAsGdiDrawsIt)
+{
+    MemoryDC dc(nullptr);
+    FontCache fonts;
+    ImageCache images;
+    GdiCanvas canvas(dc.get(), fonts, images);
+    FontDescription font = defaultFont();
+    for (int pixels : {12, 15}) {
+        font.pixelSize = pixels;
+        font.weight = pixels == 15 ? 700 : 400;
+        SelectedObject selected(dc.get(), fonts.font(font));
+        for (const wchar_t* text : {L"Capture", L"Select an area", L"Gr\u00F6\u00DFe \u20AC 10", L"\u0416\u0443\u043A"}) {
+            SIZE size = {};
+            GetTextExtentPoint32W(dc.get(), text, static_cast<int>(wcslen(text)), &size);
+            EXPECT_EQ(canvas.textWidth(font, text), size.cx) << pixels << " px";
+        }
+        TEXTMETRICW metrics = {};
+        GetTextMetricsW(dc.get(), &metrics);
+        EXPECT_EQ(canvas.fontMetrics(font).height(), metrics.tmHeight);
+    }
+}
+
+TEST(GdiCanvas, GradientsRunFromTheFirstColourInTheirDirection)
+{
+    const struct {
+        GradientDirection direction;
+        POINT first, second; // where the first colour (red) and the second (blue) are
+    } cases[] = {
+        {GradientDirection::vertical, {20, 0}, {20, 39}},        {GradientDirection::horizontal, {0, 20}, {39, 20}},
+        {GradientDirection::forwardDiagonal, {0, 0}, {39, 39}}, {GradientDirection::backwardDiagonal, {39, 0}, {0, 39}},
+    };
+    for (const auto& c : cases) {
+        const PixelGrid grid = painted([&](GdiCanvas& canvas) {
+            canvas.fillGradient(Rect{0, 0, 40, 40}, StyleGradient{rgb(0xFF0000), rgb(0x0000FF), c.direction});
+        });
+        const uint32_t first = grid.at(c.first.x, c.first.y), second = grid.at(c.second.x, c.second.y);
+        EXPECT_TRUE(red(first) > 0xE0 && blue(first) < 0x20) << std::hex << first << " " << int(c.direction);
+        EXPECT_TRUE(blue(second) > 0xE0 && red(second) < 0x20) << std::hex << second << " " << int(c.direction);
+    }
+}
+
+TEST(GdiCanvas, TransparentColoursDrawNothingAndHalfTransparentOnesBlend)
+{
+    const PixelGrid grid = painted([](GdiCanvas& canvas) {
+        canvas.fillRect(Rect{0, 0, 10, 10}, transparentColour);
+        canvas.fillRect(Rect{10, 0, 10, 10}, rgb(0x000000) | 0x80000000);
+        canvas.fillRect(Rect{20, 0, 10, 10}, rgb(0x204060));
+        canvas.pushClip(Rect{0, 20, 5, 5});
+        canvas.fillRect(Rect{0, 20, 20, 20}, rgb(0x000000));
+        canvas.popClip();
+    });
+    EXPECT_EQ(grid.at(5, 5), 0xFFFFFFu);
+    EXPECT_NEAR(red(grid.at(15, 5)), 0x7F, 2);
+    EXPECT_EQ(grid.at(25, 5), 0x204060u);
+    EXPECT_EQ(grid.at(4, 24), 0x000000u);
+    EXPECT_EQ(grid.at(6, 24), 0xFFFFFFu) << "outside the clip";
 }
 
 } // namespace
