@@ -18,10 +18,10 @@ using namespace xhtml;
 namespace {
 
 // Every character is half the font's pixel size wide (12 px text: 6 px a character and a
-// 12 px line, 9 above the baseline); images have the sizes given. Records each drawing call.
+// 12 px line, 9 above the baseline); an image named "WxH.png" is W by H pixels, others are
+// missing. Records each drawing call.
 class FixedMetricsCanvas : public Canvas {
 public:
-    std::map<std::string, Size> images; // by UTF-8 address
     std::vector<std::string> calls;
 
     FontMetrics fontMetrics(const FontDescription& font) override
@@ -34,8 +34,10 @@ public:
     }
     std::optional<Size> imageSize(const ZString& address) override
     {
-        auto found = images.find(address.toUtf8());
-        return found == images.end() ? std::nullopt : std::optional<Size>(found->second);
+        const std::string text = address.toUtf8();
+        Size size;
+        const bool named = sscanf(text.c_str() + (text.find_last_of('/') + 1), "%dx%d.png", &size.width, &size.height) == 2;
+        return named ? std::optional<Size>(size) : std::nullopt;
     }
 
     void fillRect(const Rect& area, Colour colour) override { record("fill", area, hex(colour)); }
@@ -66,9 +68,8 @@ private:
 };
 
 struct LaidOutMarkup {
-    LaidOutMarkup(const char16_t* markup, int width, std::map<std::string, Size> images = {}, double scale = 1.0)
+    LaidOutMarkup(const char16_t* markup, int width, double scale = 1.0)
     {
-        canvas.images = std::move(images);
         MarkupTextFilter unchanged;
         document.setMarkup(ZString(markup), unchanged, ZString(u"res:///page.xhtml"));
         tree.build(document.root(), rules, document.baseAddress(), scale);
@@ -151,18 +152,14 @@ TEST(ViewBuilder, ControlsCarryTheirModel)
     EXPECT_EQ(page.byId(u"b").control->name, ZString(u"start"));
 }
 
-const std::map<std::string, Size> kImages = {
-    {"res:///logo.png", {32, 32}}, {"res:///one.png", {24, 23}}, {"res:///info.png", {20, 20}}, {"res:///brand.png", {119, 17}},
-};
-
 TEST(BlockLayout, PaddingMarginsBordersAndMinimumsAroundStackedBlocks)
 {
     LaidOutMarkup page(u"<body><div id=band style='background-gradient: #FFFFFF #E8E8E8 vertical; padding:10px'>"
-                       u"<img id=logo src='logo.png'/></div><div style='height:1px; background-color:#FFFFFF'></div>"
+                       u"<img id=logo src='32x32.png'/></div><div style='height:1px; background-color:#FFFFFF'></div>"
                        u"<div id=bottom style='height:50px'></div>"
                        u"<div id=outer style='margin:5px; border:2px solid red; padding-left:3px'>"
                        u"<div id=inner style='min-height:40px; min-width:500px'></div></div></body>",
-                       300, kImages);
+                       300);
     EXPECT_EQ(page.byId(u"band").box, (Rect{0, 0, 300, 52}));
     EXPECT_EQ(page.byId(u"logo").box, (Rect{10, 10, 32, 32}));
     EXPECT_EQ(page.byId(u"bottom").box, (Rect{0, 53, 300, 50}));
@@ -191,7 +188,7 @@ TEST(BlockLayout, PercentagesDisplayNoneAndStyleRulesAgainstOwnStyles)
 
 TEST(BlockLayout, EverythingScalesWithTheScreenDpi)
 {
-    LaidOutMarkup page(u"<div id=band style='padding:10px'><img id=logo src='logo.png'/> ab</div>", 600, kImages, 2.0);
+    LaidOutMarkup page(u"<div id=band style='padding:10px'><img id=logo src='32x32.png'/> ab</div>", 600, 2.0);
     EXPECT_EQ(page.byId(u"logo").box, (Rect{20, 20, 64, 64}));
     EXPECT_EQ(page.byId(u"band").children.back()->fragments.at(0).box.width, 24) << "24 px font, two characters";
 }
@@ -212,11 +209,11 @@ TEST(LineLayout, TextWrapsAtSpacesBreaksAtBrAndAligns)
 
 TEST(LineLayout, NowrapKeepsARowOnOneLineWithItsItemsCentred)
 {
-    LaidOutMarkup page(u"<nowrap id=row style='vertical-align:middle'>\n\t<img id=logo src='logo.png'/>\n"
-                       u"\t&nbsp;&nbsp;&nbsp;&nbsp;\n\t<img id=one src='one.png'/>\n"
+    LaidOutMarkup page(u"<nowrap id=row style='vertical-align:middle'>\n\t<img id=logo src='32x32.png'/>\n"
+                       u"\t&nbsp;&nbsp;&nbsp;&nbsp;\n\t<img id=one src='24x23.png'/>\n"
                        u"\t<select id=mode><option value=a>Alpha</option><option value=b>Be</option></select>\n"
                        u"\t<input id=go type=button name=start value='Go' style='font-size:15px;'/>\n</nowrap>",
-                       100, kImages);
+                       100);
     const Rect logo = page.byId(u"logo").box;
     for (const char16_t* id : {u"one", u"mode", u"go"}) {
         EXPECT_NEAR(centreY(page.byId(id).box), centreY(logo), 1) << ZString(id).toUtf8();
@@ -245,11 +242,11 @@ TEST(LineLayout, InlineElementsChangeTheFontAndLinksCoverTheirText)
 TEST(TableLayout, FullSizeTableWithFixedAndCentredCells)
 {
     LaidOutMarkup page(u"<div id=bottom style='height:50px'><table id=t border='0' width='100%' height='100%'><tr>"
-                       u"<td id=c1 valign='middle' style='padding-left:15px; width:35px;'><img id=info src='info.png'/></td>"
+                       u"<td id=c1 valign='middle' style='padding-left:15px; width:35px;'><img id=info src='20x20.png'/></td>"
                        u"<td id=c2 valign='middle' style='padding-left:10px'>some words here</td>"
-                       u"<td id=c3 width='150' align='center' valign='middle'><img id=brand src='brand.png'/></td>"
+                       u"<td id=c3 width='150' align='center' valign='middle'><img id=brand src='119x17.png'/></td>"
                        u"</tr></table></div>",
-                       600, kImages);
+                       600);
     EXPECT_EQ(page.byId(u"t").box, (Rect{0, 0, 600, 50}));
     const Rect c1 = page.byId(u"c1").box, c2 = page.byId(u"c2").box, c3 = page.byId(u"c3").box;
     EXPECT_EQ(c1.width, 15 + 35 + 1) << "padding, width and the default cell padding";
@@ -320,12 +317,12 @@ TEST(Painter, BackgroundsInEveryDirectionCoverThePaddingBox)
 
 TEST(Painter, BackgroundImagesRepeatAsToldWithinTheirBox)
 {
-    LaidOutMarkup page(u"<div style='width:5px; height:4px; background-image:url(bg.png); background-repeat:repeat-x'></div>"
-                       u"<div style='width:2px; height:5px; background-image:bg.png; background-repeat:no-repeat'></div>",
-                       50, {{"bg.png", {2, 3}}});
+    LaidOutMarkup page(u"<div style='width:5px; height:4px; background-image:url(2x3.png); background-repeat:repeat-x'></div>"
+                       u"<div style='width:2px; height:5px; background-image:2x3.png; background-repeat:no-repeat'></div>",
+                       50);
     const std::vector<std::string> expected = {
-        "clip 0,0 5x4", "image bg.png 0,0 2x3", "image bg.png 2,0 2x3", "image bg.png 4,0 2x3", "unclip",
-        "clip 0,4 2x5", "image bg.png 0,4 2x3", "unclip",
+        "clip 0,0 5x4", "image 2x3.png 0,0 2x3", "image 2x3.png 2,0 2x3", "image 2x3.png 4,0 2x3", "unclip",
+        "clip 0,4 2x5", "image 2x3.png 0,4 2x3", "unclip",
     };
     EXPECT_EQ(paint(page), expected);
 }
