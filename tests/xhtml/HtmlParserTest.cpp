@@ -72,60 +72,50 @@ const char* const fragments[] = {
     "<input value=\" a \">", "<a b='c'>", "<a b=\"c>d\">",
 };
 
-std::u16string lower(std::u16string text)
-{
-    for (char16_t& unit : text)
-        unit = static_cast<char16_t>(ZString::toLower(static_cast<ZChar>(unit)));
-    return text;
-}
-
 // The flat reading. A comment runs to "-->", a tag from "<" to the first ">" (attribute
 // values stop there even inside quotes), either to the end if unclosed. A start tag ending
 // in "/>" is empty; any other opens an element, which an end tag of its name closes (an end
 // tag never closes an outer element). textarea and style hold all up to "</" and their name.
-void readFlat(const std::u16string& s, HtmlTagNode& root)
+void readFlat(const ZString& s, HtmlTagNode& root)
 {
-    auto at = [&](size_t i) -> char16_t { return i < s.size() ? s[i] : 0; };
-    auto after = [&](const char16_t* what, size_t from) {
-        const size_t found = s.find(what, from);
-        return found == std::u16string::npos ? s.size() : found + std::char_traits<char16_t>::length(what);
+    const int n = s.length();
+    auto at = [&](int i) -> ZChar { return i < n ? s[i] : 0; };
+    auto after = [&](const ZString& what, int from) {
+        const int found = s.find(what, from);
+        return found == ZString::npos ? n : found + what.length();
     };
-    auto zstring = [](const std::u16string& run) { return ZString(reinterpret_cast<const ZChar*>(run.data()), int(run.size())); };
-    auto text = [&](size_t from, size_t to) {
-        return std::make_unique<HtmlTextNode>(zstring(s.substr(from, to - from)));
-    };
+    auto text = [&](int from, int to) { return std::make_unique<HtmlTextNode>(s.substring(from, to - from)); };
     std::vector<HtmlTagNode*> open{&root};
-    for (size_t p = 0; p < s.size();) {
-        if (s.compare(p, 4, u"<!--") == 0) {
-            p = after(u"-->", p + 4);
+    for (int p = 0; p < n;) {
+        if (s.substring(p, 4) == ZString(u"<!--")) {
+            p = after(ZString(u"-->"), p + 4);
         } else if (at(p) == '<' && (at(p + 1) == '/' || isLetter(at(p + 1)))) {
             const bool endTag = at(p + 1) == '/';
-            const size_t nameStart = p + (endTag ? 2 : 1);
-            size_t q = nameStart;
-            while (q < s.size() && !isSpace(at(q)) && at(q) != '>' && !(!endTag && at(q) == '/' && at(q + 1) == '>'))
+            const int nameStart = p + (endTag ? 2 : 1);
+            int q = nameStart;
+            while (q < n && !isSpace(at(q)) && at(q) != '>' && !(!endTag && at(q) == '/' && at(q + 1) == '>'))
                 ++q;
-            const std::u16string name = lower(s.substr(nameStart, q - nameStart));
-            p = after(u">", p);
+            const ZString name = s.substring(nameStart, q - nameStart).toLower();
+            p = after(ZString(u">"), p);
             if (endTag) {
-                if (!name.empty() && zstring(name) == open.back()->name())
+                if (!name.isEmpty() && name == open.back()->name())
                     open.pop_back();
                 continue;
             }
-            auto* element = static_cast<HtmlTagNode*>(
-                open.back()->appendChild(std::make_unique<HtmlTagNode>(zstring(name))));
+            auto* element = static_cast<HtmlTagNode*>(open.back()->appendChild(std::make_unique<HtmlTagNode>(name)));
             if (s[p - 1] != '>' || s[p - 2] == '/')
                 continue; // cut off by the end, or empty
-            if (name != u"textarea" && name != u"style") {
+            if (name != ZString(u"textarea") && name != ZString(u"style")) {
                 open.push_back(element);
-            } else if (p < s.size()) {
-                for (q = p; q < s.size() && !(at(q) == '<' && at(q + 1) == '/' && lower(s.substr(q + 2, name.size())) == name);)
+            } else if (p < n) {
+                for (q = p; q < n && !(at(q) == '<' && at(q + 1) == '/' && s.substring(q + 2, name.length()).equalsNoCase(name));)
                     ++q;
                 element->appendChild(text(p, q));
                 p = q;
             }
         } else {
-            size_t q = p + 1;
-            while (q < s.size() && !(at(q) == '<' && (at(q + 1) == '/' || at(q + 1) == '!' || isLetter(at(q + 1)))))
+            int q = p + 1;
+            while (q < n && !(at(q) == '<' && (at(q + 1) == '/' || at(q + 1) == '!' || isLetter(at(q + 1)))))
                 ++q;
             open.back()->appendChild(text(p, q));
             p = q;
@@ -263,7 +253,7 @@ TEST(HtmlParserProperties, EqualToTheFlatReading)
         const ZString text = ZString::fromUtf8(input);
         const auto root = parseDocument(text);
         HtmlTagNode reference;
-        readFlat(std::u16string(reinterpret_cast<const char16_t*>(text.c_str()), size_t(text.length())), reference);
+        readFlat(text, reference);
         ASSERT_EQ(contentText(*root, false), contentText(reference, false)) << input;
 
         // Inside an element: the end, or just after the ">" of the end tag that closed it.
