@@ -41,12 +41,10 @@ TEST(Colours, EveryNamedRowOnceAndInUpperCase)
     const NamedColour* table = namedColours();
     std::set<std::string> names;
     for (int i = 0; i < namedColourCount; ++i) {
-        std::string lower, upper;
-        for (const char16_t* c = table[i].name; *c; ++c) {
-            lower += static_cast<char>(std::tolower(*c));
+        std::string upper;
+        for (const char16_t* c = table[i].name; *c; ++c)
             upper += static_cast<char>(std::toupper(*c));
-        }
-        names.insert(lower);
+        names.insert(upper);
         EXPECT_EQ(parseColour(ZString::fromUtf8(upper)), table[i].value) << upper; // no earlier row shadows it
     }
     EXPECT_EQ(names.size(), 141u);
@@ -165,25 +163,18 @@ TEST(StyleRules, MatchByTagIdAndWholeClassWord)
 {
     HtmlTagNode div(ZString(u"div")), p(ZString(u"p"));
     div.addAttribute(ZString(u"id"), ZString(u"Main"));
-    const std::vector<ZString> words{ZString(u"box"), ZString(u"wide")};
-    const struct {
-        StyleRule rule;
-        const HtmlTagNode& element;
-        bool matches;
-    } cases[] = {
-        {rule(u"", u"", u""), div, true},           {rule(u"*", u"*", u"*"), div, true},
-        {rule(u"DIV", u"main", u"WIDE"), div, true}, {rule(u"span", u"", u""), div, false},
-        {rule(u"", u"other", u""), div, false},     {rule(u"", u"", u"bo"), div, false},
-        {rule(u"p", u"", u""), p, true},
-        {rule(u"p", u"x", u""), p, false}, // an element without an id matches only any id
-        {rule(u"p", u"", u"c"), p, false},
+    const std::pair<StyleRule, bool> cases[] = {
+        {rule(u"", u"", u""), true},      {rule(u"*", u"*", u"*"), true}, {rule(u"DIV", u"main", u"WIDE"), true},
+        {rule(u"span", u"", u""), false}, {rule(u"", u"other", u""), false},
+        {rule(u"", u"", u"bo"), false}, // whole words only
     };
-    for (size_t i = 0; i < std::size(cases); ++i) {
-        const std::vector<ZString> none;
-        EXPECT_EQ(StyleRuleList::matches(cases[i].rule, cases[i].element, &cases[i].element == &div ? words : none),
-                  cases[i].matches)
-            << "case " << i;
-    }
+    for (const auto& [r, matches] : cases)
+        EXPECT_EQ(StyleRuleList::matches(r, div, {ZString(u"box"), ZString(u"wide")}), matches)
+            << r.tag.toUtf8() << r.className.toUtf8();
+    // Without an id or class words only "any" matches them.
+    EXPECT_TRUE(StyleRuleList::matches(rule(u"p", u"*", u"*"), p, {}));
+    EXPECT_FALSE(StyleRuleList::matches(rule(u"p", u"x", u""), p, {}));
+    EXPECT_FALSE(StyleRuleList::matches(rule(u"p", u"", u"c"), p, {}));
 }
 
 TEST(StyleRules, ApplyInListOrderForTheStateOnlyThenTheOwnStyle)
