@@ -57,7 +57,6 @@ ZString windowTextOf(HWND window)
     const int length = GetWindowTextLengthW(window);
     std::wstring text(static_cast<size_t>(length) + 1, L'\0');
     GetWindowTextW(window, text.data(), length + 1);
-    text.resize(wcslen(text.c_str()));
     return ZString(text.c_str());
 }
 
