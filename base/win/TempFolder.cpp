@@ -132,21 +132,15 @@ ZString systemTempFolder()
     return L".";
 }
 
+// isWritable creates a missing candidate itself, so each one is only tested.
 ZString moduleTempFolder()
 {
     const ZString system = systemTempFolder();
     const ZString base = joinPath(system, kModuleFolderName);
-    if (!isFolder(base)) {
-        const ZString parent = parentFolder(base);
-        if (parent != base)
-            createFolderTree(parent);
-        CreateDirectoryW(base.c_str(), nullptr);
-    }
     if (isWritable(base))
         return base;
     for (int n = 1; n <= kFallbackFolders; ++n) {
         const ZString fallback = joinPath(system, ZString::format(L"%s_%d", kModuleFolderName, n));
-        createFolderTree(fallback);
         if (isWritable(fallback))
             return fallback;
     }
