@@ -19,8 +19,7 @@ constexpr DWORD kDialogVanishMs = 250;
 bool askUser(Mode& mode, Target& target)
 {
     ScreenCaptureUi dialog;
-    if (!dialog.context().hasResourceLoader())
-        dialog.context().setResourceLoader(std::make_unique<xhtml::ModuleResourceLoader>(moduleInstance()));
+    dialog.context().setResourceLoader(std::make_unique<xhtml::ModuleResourceLoader>(moduleInstance()));
     xhtml::XhtmlFrameView::registerClass(moduleInstance());
     if (!dialog.create(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, xhtml::XhtmlFrameView::className, L"",
                        WS_POPUP | WS_VISIBLE | WS_CAPTION | WS_SYSMENU, 0, 0, 0, 0, nullptr, nullptr, moduleInstance(),
