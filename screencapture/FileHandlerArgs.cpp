@@ -52,6 +52,14 @@ ZString quoteArgument(const ZString& item)
     return quoted;
 }
 
+ZString joinArguments(const std::vector<ZString>& items)
+{
+    ZString line;
+    for (const ZString& item : items)
+        appendItem(line, item);
+    return line;
+}
+
 ZString FileHandlerArgs::commandLine() const
 {
     ZString line;

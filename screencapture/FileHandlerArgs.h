@@ -34,6 +34,9 @@ struct FileHandlerArgs {
 // One command-line item, quoted as described above when it needs it.
 ZString quoteArgument(const ZString& item);
 
+// The items, each quoted when it needs it, separated by single blanks.
+ZString joinArguments(const std::vector<ZString>& items);
+
 // Reads the items of such a command line, already split, back into `args`. False with
 // `error` naming the item for an unknown option, an option without its value, or no file.
 bool parseFileHandlerArgs(const std::vector<ZString>& items, FileHandlerArgs& args, ZString& error);

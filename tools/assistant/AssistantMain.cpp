@@ -29,29 +29,31 @@ constexpr UINT kIdleMs = 60000;
 
 std::unique_ptr<Inbox> inbox;
 
+struct LocalFreeDeleter {
+    void operator()(LPWSTR* memory) const { LocalFree(memory); }
+};
+
+// The items after the program name of a whole command line.
+std::vector<ZString> argumentsOf(const ZString& commandLine)
+{
+    int count = 0;
+    const std::unique_ptr<LPWSTR, LocalFreeDeleter> split(CommandLineToArgvW(commandLine.c_str(), &count));
+    std::vector<ZString> items;
+    for (int i = 1; split && i < count; ++i)
+        items.emplace_back(split.get()[i]);
+    return items;
+}
+
 // The items of a command line that holds arguments only.
 std::vector<ZString> splitArguments(const ZString& arguments)
 {
     // CommandLineToArgvW reads its first item by the rules for a program name.
-    const ZString line = L"pryxa-Assistant " + arguments;
-    int count = 0;
-    LPWSTR* split = CommandLineToArgvW(line.c_str(), &count);
-    std::vector<ZString> items;
-    for (int i = 1; split && i < count; ++i)
-        items.emplace_back(split[i]);
-    LocalFree(split);
-    return items;
+    return argumentsOf(L"pryxa-Assistant " + arguments);
 }
 
 ZString ownArguments()
 {
-    int count = 0;
-    LPWSTR* split = CommandLineToArgvW(GetCommandLineW(), &count);
-    ZString arguments;
-    for (int i = 1; split && i < count; ++i)
-        arguments += (i > 1 ? ZString(L" ") : ZString()) + screenCapture::quoteArgument(split[i]);
-    LocalFree(split);
-    return arguments;
+    return screenCapture::joinArguments(argumentsOf(GetCommandLineW()));
 }
 
 ZString defaultOutputFolder()

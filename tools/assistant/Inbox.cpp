@@ -13,14 +13,6 @@ namespace {
 
 bool exists(const ZString& path) { return PathFileExistsW(path.c_str()) != FALSE; }
 
-ZString joinItems(const std::vector<ZString>& items)
-{
-    ZString line;
-    for (const ZString& item : items)
-        line += (line.isEmpty() ? ZString() : ZString(L" ")) + screenCapture::quoteArgument(item);
-    return line;
-}
-
 // Without a name the file keeps its own, less its extension.
 ZString baseNameFor(const ZString& source, const ZString& name)
 {
@@ -48,7 +40,7 @@ Inbox::Inbox(ZString defaultFolder, ZString logPath)
 
 std::vector<ZString> Inbox::receive(const std::vector<ZString>& items)
 {
-    log(L"received: " + joinItems(items));
+    log(L"received: " + screenCapture::joinArguments(items));
     screenCapture::FileHandlerArgs args;
     ZString error;
     if (!screenCapture::parseFileHandlerArgs(items, args, error)) {
