@@ -7,9 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <optional>
-#include <set>
 
 using namespace xhtml;
 using P = StyleProperty;
@@ -35,20 +33,6 @@ StyleRule rule(const char16_t* tag, const char16_t* id, const char16_t* classNam
 }
 
 } // namespace
-
-TEST(Colours, EveryNamedRowOnceAndInUpperCase)
-{
-    const NamedColour* table = namedColours();
-    std::set<std::string> names;
-    for (int i = 0; i < namedColourCount; ++i) {
-        std::string upper;
-        for (const char16_t* c = table[i].name; *c; ++c)
-            upper += static_cast<char>(std::toupper(*c));
-        names.insert(upper);
-        EXPECT_EQ(parseColour(ZString::fromUtf8(upper)), table[i].value) << upper; // no earlier row shadows it
-    }
-    EXPECT_EQ(names.size(), 141u);
-}
 
 TEST(Colours, ValuesAndHashForms)
 {

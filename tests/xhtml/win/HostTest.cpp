@@ -44,7 +44,7 @@ protected:
 const wchar_t* const kControls =
     L"<select id=s><option value=a>Alpha</option><option value=b selected>Beta</option><option value=c>Gamma</option></select>"
     L"<select id=m multiple><option value=1>one</option><option value=2>two</option><option value=3>three</option></select>"
-    L"<input type=button name=go value=Go/><input type=button name=stop value=Stop/><a href='next.xhtml'>next</a>";
+    L"<input type=button name=go value=Go/><input id=stop type=button name=stop value=Stop/><a id=next href='next.xhtml'>next</a>";
 
 TEST_F(MarkupHost, SelectValueIsSetQuietlyByOptionValueAndReadBackAsTheUserLeftIt)
 {
@@ -77,15 +77,10 @@ TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
     frame.context().setButtonListener(&presses);
     frame.context().setLinkListener(&presses);
     frame.setMarkup(kControls);
-    for (HWND child = GetWindow(frame.handle(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        if (windowClass(child) == L"Button" && windowText(child) == L"Stop")
-            SendMessageW(child, BM_CLICK, 0, 0);
-    }
+    SendMessageW(frame.controlWindow(L"stop"), BM_CLICK, 0, 0);
     pumpMessages(50);
-    View* next = nullptr;
-    frame.views().forEach([&](View& view) { next = view.href.isEmpty() ? next : &view; });
-    ASSERT_NE(next, nullptr);
-    const LPARAM at = MAKELPARAM(next->box.x + 2, next->box.y + 2);
+    const Rect next = frame.elementRect(L"next");
+    const LPARAM at = MAKELPARAM(next.x + 2, next.y + 2);
     SendMessageW(frame.handle(), WM_LBUTTONDOWN, MK_LBUTTON, at);
     SendMessageW(frame.handle(), WM_LBUTTONUP, 0, at);
     EXPECT_EQ(presses.heard, (std::vector<std::wstring>{L"button stop", L"link next.xhtml"}));
