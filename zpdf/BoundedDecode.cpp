@@ -55,7 +55,7 @@ std::string decodeBounded(const Stream& stream, std::size_t limit)
     Object* filter = dict.get(names::Filter());
     Object* parms = dict.get(names::DecodeParms());
     std::string data = stream.data()->bytes();
-    if (!filter || !filter->resolve() || filter->resolve()->type() == Type::Null)
+    if (isAbsent(filter))
         return data;
     Array* filters = filter->asArray();
     const int count = filters ? filters->size() : 1;

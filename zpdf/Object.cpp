@@ -62,4 +62,10 @@ bool sameValue(const Object* a, const Object* b, bool deep)
     return deep ? a->equals(b, true) : a == b;
 }
 
+bool isAbsent(Object* object)
+{
+    Object* value = object ? object->resolve() : nullptr;
+    return !value || value->type() == Type::Null;
+}
+
 } // namespace zpdf

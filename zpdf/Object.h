@@ -101,6 +101,9 @@ private:
 // Equality of two possibly null pointers: both null, or equal objects.
 bool sameValue(const Object* a, const Object* b, bool deep);
 
+// An entry that counts as absent: none, a reference that resolves to nothing, or null.
+bool isAbsent(Object* object);
+
 inline void IPtrBase::retain() const
 {
     if (object_)

@@ -19,8 +19,6 @@ struct FilterStep {
     Dict* parms; // null when absent
 };
 
-bool isAbsent(Object* object) { return !object || object->resolve() == nullptr || object->resolve()->type() == Type::Null; }
-
 // The filters of a stream dictionary in the order they are undone, with their parameters.
 std::vector<FilterStep> filterChain(const Dict& dict)
 {
