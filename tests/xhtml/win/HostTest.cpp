@@ -78,7 +78,7 @@ TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
     frame.context().setLinkListener(&presses);
     frame.setMarkup(kControls);
     SendMessageW(frame.controlWindow(L"stop"), BM_CLICK, 0, 0);
-    pumpMessages(50);
+    pumpUntil([&] { return !presses.heard.empty(); }, 5000);
     const Rect next = frame.elementRect(L"next");
     const LPARAM at = MAKELPARAM(next.x + 2, next.y + 2);
     SendMessageW(frame.handle(), WM_LBUTTONDOWN, MK_LBUTTON, at);
@@ -114,8 +114,7 @@ TEST_F(MarkupHost, FitsToItsContentOnceAfterABurstOfChangesOrElseLetsPercentages
     frame.setMarkup(L"<div style='width:120px; height:40px'></div>");
     frame.setMarkup(L"<div style='width:150px; height:60px'></div>");
     EXPECT_EQ(frame.clientRect().right, before) << "the fit waits";
-    pumpMessages(200);
-    EXPECT_EQ(frame.clientRect().right, 150);
+    EXPECT_TRUE(pumpUntil([&] { return frame.clientRect().right == 150; }, 5000));
     EXPECT_EQ(frame.clientRect().bottom, 60);
     frame.setSizeToContent(false, true);
     frame.setMarkup(L"<div style='width:90px; height:70px'></div>");
