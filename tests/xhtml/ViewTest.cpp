@@ -95,7 +95,6 @@ int centreX(const Rect& r) { return r.x + r.width / 2; }
 
 std::vector<std::string> paint(LaidOutMarkup& page)
 {
-    page.canvas.calls.clear();
     paintView(*page.tree.root(), page.canvas, Rect{0, 0, 10000, 10000});
     return page.canvas.calls;
 }
