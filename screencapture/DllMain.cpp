@@ -1,10 +1,8 @@
-#include "screencapture/ModuleInstance.h"
+#include <windows.h>
 
 BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*)
 {
-    if (reason == DLL_PROCESS_ATTACH) {
-        screenCapture::setModuleInstance(instance);
+    if (reason == DLL_PROCESS_ATTACH)
         DisableThreadLibraryCalls(instance);
-    }
     return TRUE;
 }

@@ -1,19 +1,21 @@
 #include "screencapture/ModuleInstance.h"
 
+#include "base/win/ThisModule.h"
+
 namespace screenCapture {
 
 namespace {
-HINSTANCE recordedInstance = nullptr;
+HINSTANCE chosenInstance = nullptr;
 }
 
 HINSTANCE moduleInstance()
 {
-    return recordedInstance ? recordedInstance : GetModuleHandleW(nullptr);
+    return chosenInstance ? chosenInstance : thisModule();
 }
 
 void setModuleInstance(HINSTANCE instance)
 {
-    recordedInstance = instance;
+    chosenInstance = instance;
 }
 
 } // namespace screenCapture
