@@ -1,7 +1,6 @@
 #pragma once
 // A GDI device-dependent bitmap that the object owns (or borrows), with drawing onto a
-// device context, copying from one, scaling and handing on. The markup views use it for
-// their pictures.
+// device context, copying from one, scaling and handing on.
 //
 // An owned handle is deleted when the object lets go of it (release, a new create, load
 // or attach, destruction); a borrowed one (attach with owned = false) never is. Whenever
@@ -48,9 +47,6 @@ public:
     virtual HBITMAP handle();
     // Replaces the bitmap with a stretched copy of (int)(width * factor) x (int)(height * factor).
     virtual void scale(double factor);
-    // Debugging aid only: blits the bitmap to the top left of the screen every 10 ms,
-    // forever. It never returns; nothing in the product calls it.
-    [[noreturn]] virtual void showOnScreen();
     // A copy of the bitmap at its own size; the caller owns it.
     virtual HBITMAP copy();
 
