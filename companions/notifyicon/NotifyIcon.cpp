@@ -1,7 +1,8 @@
 #include "companions/notifyicon/NotifyIcon.h"
 
-#include "base/win/ThisModule.h"
+#include "base/win/KernelHandle.h"
 #include "base/win/SlimLock.h"
+#include "base/win/ThisModule.h"
 
 #include <windows.h>
 #include <shellapi.h>
@@ -212,12 +213,12 @@ bool startNoteThread()
     HMODULE self = nullptr;
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&noteThread), &self))
         return false;
-    HANDLE thread = CreateThread(nullptr, 0, noteThread, nullptr, 0, nullptr);
+    // Nobody waits for the thread, which ends by itself: its handle is closed at once.
+    const KernelHandle thread(CreateThread(nullptr, 0, noteThread, nullptr, 0, nullptr));
     if (!thread) {
         FreeLibrary(self);
         return false;
     }
-    CloseHandle(thread); // nobody waits for it; it ends by itself
     return true;
 }
 
