@@ -1,18 +1,13 @@
 // The capture dialog as the user meets it: capture(0, ...) shows it, it starts from the
 // stored choice, "start" stores the choice and runs the capture after the dialog has gone,
-// and closing it does nothing. A screenshot of it is kept in the build tree.
+// and closing it does nothing.
 
 #include "companions/language/Language.h"
 #include "companions/settings/Settings.h"
-#include "image/GdiplusHelpers.h"
 #include "screencapture/CaptureApi.h"
 #include "screencapture/CaptureRun.h"
 #include "screencapture/Delivery.h"
 #include "screencapture/ModuleInstance.h"
-#include "screencapture/ui/InAppPage.h"
-#include "base/win/RegistryKey.h"
-#include "base/win/TempFolder.h"
-#include "base/win/ThisModule.h"
 #include "tests/screencapture/CaptureTestKit.h"
 #include "tests/support/UiRobot.h"
 
@@ -146,78 +141,6 @@ TEST_F(CaptureDialog, StartStoresTheChoiceAndCapturesAfterTheDialogHasGone)
     ASSERT_EQ(notes.size(), 1u) << "the screen went to the clipboard";
     EXPECT_GE(std::chrono::duration_cast<std::chrono::milliseconds>(notes[0] - gone).count(), 250);
     EXPECT_EQ(clipboardFormats().at(0), static_cast<UINT>(CF_BITMAP));
-}
-
-// Its title is the one the other tests find it by. Kept as a screenshot next to bin in the
-// build tree, for people to look at.
-TEST_F(CaptureDialog, ShowsItsControlsInsideAndIsKeptAsAScreenshot)
-{
-    RECT client = {};
-    std::vector<RECT> controls; // client coordinates
-    PixelGrid p;
-    withDialog([] { screenCapture::capture(screenCapture::noMode, screenCapture::noTarget); }, [&](HWND dialog) {
-        Sleep(300); // painted, and any deferred fit done
-        GetClientRect(dialog, &client);
-        for (HWND child : children(dialog)) {
-            RECT box;
-            GetWindowRect(child, &box);
-            MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&box), 2);
-            controls.push_back(box);
-        }
-        RECT onScreen = client;
-        MapWindowPoints(dialog, nullptr, reinterpret_cast<POINT*>(&onScreen), 2);
-        p = readScreenPixels(onScreen);
-    });
-    ASSERT_EQ(controls.size(), 3u) << "two selects and the start button";
-    for (const RECT& box : controls)
-        EXPECT_TRUE(box.left >= 0 && box.top >= 0 && box.right <= client.right && box.bottom <= client.bottom);
-    ASSERT_GT(p.width, 0);
-    Gdiplus::Bitmap image(p.width, p.height, p.width * 4, PixelFormat32bppRGB, reinterpret_cast<BYTE*>(p.pixels.data()));
-    const ZString folder = joinPath(moduleFolder(GetModuleHandleW(nullptr)), L"..\\screenshots");
-    CreateDirectoryW(folder.c_str(), nullptr);
-    CLSID png;
-    ASSERT_GE(findEncoder(L"image/png", &png), 0);
-    EXPECT_EQ(image.Save(joinPath(folder, L"capture-dialog.png").c_str(), &png, nullptr), Gdiplus::Ok);
-}
-
-// A page that records where the dialog puts it and what it is asked to show.
-struct PageRecord {
-    int made = 0;
-    RECT bounds = {};
-    std::wstring address;
-} page;
-
-struct RecordingPage : screenCapture::InAppPage {
-    void setBounds(const RECT& bounds) override { page.bounds = bounds; }
-    void navigate(const ZString& address) override { page.address = address.c_str(); }
-};
-
-TEST_F(CaptureDialog, InAppPageCoversTheBottomBarOnlyWhenTheFeatureIsOn)
-{
-    InThisProgram run;
-    screenCapture::inAppPageFactory = [](HWND) -> std::unique_ptr<screenCapture::InAppPage> {
-        ++page.made;
-        return std::make_unique<RecordingPage>();
-    };
-    RECT bar = {};
-    const auto pagesMade = [&] {
-        page = PageRecord();
-        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::noTarget); },
-                   [&](HWND dialog) {
-                       GetClientRect(dialog, &bar);
-                       bar.top = bar.bottom - 50;
-                   });
-        return page.made;
-    };
-    EXPECT_EQ(pagesMade(), 0) << "the feature is off unless switched on";
-    RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\User").writeDword(L"feature.embeddedBrowser", 1);
-    EXPECT_EQ(pagesMade(), 1);
-    EXPECT_TRUE(EqualRect(&page.bounds, &bar));
-    EXPECT_EQ(page.address.rfind(L"https://", 0), 0u);
-    EXPECT_NE(page.address.find(L"/inapp/screenCapture/"), std::wstring::npos);
-    RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program").writeDword(L"NoEmbeddedBrowser", 1);
-    EXPECT_EQ(pagesMade(), 0) << "the program setting switches it off";
-    screenCapture::inAppPageFactory = nullptr;
 }
 
 } // namespace
