@@ -10,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -26,40 +25,24 @@ bool isLive(HBITMAP bitmap) { return GetObjectType(bitmap) == OBJ_BITMAP; }
 // Distinct colours everywhere, so that any shift shows.
 uint32_t gradient(int x, int y) { return rgb(10 * x, 10 * y, 200); }
 
-std::vector<uint32_t> pixelsOf(int width, int height, const PixelPattern& pattern)
-{
-    std::vector<uint32_t> pixels;
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            pixels.push_back(pattern(x, y));
-    return pixels;
-}
+using Pixels = std::vector<uint32_t>;
 
 // A screen-compatible bitmap showing `pattern`; the caller owns it.
 HBITMAP makeBitmap(int width, int height, const PixelPattern& pattern)
 {
+    Pixels pixels;
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            pixels.push_back(pattern(x, y));
     WindowDC screen;
     HBITMAP bitmap = CreateCompatibleBitmap(screen.get(), width, height);
     BITMAPINFO info = topDownDibHeader(width, height, 32);
-    SetDIBits(screen.get(), bitmap, 0, height, pixelsOf(width, height, pattern).data(), &info, DIB_RGB_COLORS);
+    SetDIBits(screen.get(), bitmap, 0, height, pixels.data(), &info, DIB_RGB_COLORS);
     return bitmap;
 }
 
-// A grey `width` x `height` surface with `pattern` shifted by (dx, dy) in the rectangle
-// `placed`; pixels for which `pattern` gives `hole` stay grey.
-std::vector<uint32_t> expectedCanvas(int width, int height, const RECT& placed, int dx, int dy,
-                                     const PixelPattern& pattern, uint32_t hole = 0xFFFFFFFF)
-{
-    return pixelsOf(width, height, [&](int x, int y) {
-        if (x < placed.left || x >= placed.right || y < placed.top || y >= placed.bottom)
-            return kBackground;
-        const uint32_t pixel = pattern(x - placed.left + dx, y - placed.top + dy);
-        return pixel == hole ? kBackground : pixel;
-    });
-}
-
-// The pixels of a grey `width` x `height` surface after `draw` drew on it.
-std::vector<uint32_t> drawnOnCanvas(int width, int height, const std::function<void(HDC)>& draw)
+// A grey `width` x `height` surface after `draw` drew on it.
+PixelGrid drawnOnCanvas(int width, int height, const std::function<void(HDC)>& draw)
 {
     BitmapHandle canvas(makeBitmap(width, height, [](int, int) { return kBackground; }));
     {
@@ -68,7 +51,16 @@ std::vector<uint32_t> drawnOnCanvas(int width, int height, const std::function<v
         SelectedObject selected(memory.get(), canvas.get());
         draw(memory.get());
     }
-    return readBitmapPixels(canvas.get()).pixels;
+    return readBitmapPixels(canvas.get());
+}
+
+// The pixels of `grid` at `points`: the corners of what was placed and just beyond.
+Pixels pick(const PixelGrid& grid, std::initializer_list<POINT> points)
+{
+    Pixels pixels;
+    for (const POINT& p : points)
+        pixels.push_back(grid.at(p.x, p.y));
+    return pixels;
 }
 
 // Runs `checks` once, to pay for what is set up once per process, then five times more,
@@ -146,52 +138,49 @@ TEST(Bitmap, DrawCopyFromAndScaleGiveThePixelsExpected)
     const PixelPattern onScreen = [](int x, int y) { return rgb(3 * x, 4 * y, 90); };
     TestWindow window(area, onScreen);
     ASSERT_TRUE(window.showAndWait());
-    // Four solid quadrants of a width x height area.
-    const auto quadrants = [](double width, double height) -> PixelPattern {
-        return [=](int x, int y) { return rgb(x < width / 2 ? 255 : 0, y < height / 2 ? 255 : 0, 90); };
-    };
+    // Solid quadrants of 100 x 50.
+    const PixelPattern quadrants = [](int x, int y) { return rgb(x < 50 ? 255 : 0, y < 25 ? 255 : 0, 90); };
     WindowDC screen;
     expectNoLeak([&] {
         // Drawn whole or in part, leaving out the transparent colour once it is set.
-        for (uint32_t hole : {0xFFFFFFFFu, key}) {
+        for (bool transparent : {false, true}) {
             Bitmap bitmap;
             bitmap.attach(makeBitmap(9, 7, keyed), true);
-            if (hole == key)
+            if (transparent)
                 bitmap.setTransparentColor(RGB(255, 0, 255));
-            EXPECT_EQ(drawnOnCanvas(12, 10, [&](HDC dc) { bitmap.draw(dc, 2, 1); }),
-                      expectedCanvas(12, 10, {2, 1, 11, 8}, 0, 0, keyed, hole));
-            EXPECT_EQ(drawnOnCanvas(6, 6, [&](HDC dc) { bitmap.draw(dc, 1, 2, 3, 2, 4, 3); }),
-                      expectedCanvas(6, 6, {1, 2, 4, 4}, 4, 3, keyed, hole));
+            const uint32_t hole = transparent ? kBackground : key;
+            const PixelGrid all = drawnOnCanvas(12, 10, [&](HDC dc) { bitmap.draw(dc, 2, 1); });
+            EXPECT_EQ(pick(all, {{3, 1}, {10, 7}, {2, 1}, {11, 7}, {10, 8}}),
+                      (Pixels{gradient(1, 0), gradient(8, 6), hole, kBackground, kBackground}));
+            const PixelGrid some = drawnOnCanvas(6, 6, [&](HDC dc) { bitmap.draw(dc, 1, 2, 3, 2, 4, 3); });
+            EXPECT_EQ(pick(some, {{1, 2}, {3, 3}, {2, 3}, {4, 3}, {3, 4}}),
+                      (Pixels{gradient(4, 3), gradient(6, 4), hole, kBackground, kBackground}));
         }
 
         // Copied from the screen, whole or in part.
         Bitmap whole;
         whole.create(screen.get(), 64, 48);
         whole.copyFrom(screen.get(), area.left, area.top);
-        EXPECT_EQ(readBitmapPixels(whole.handle()).pixels, pixelsOf(64, 48, onScreen));
+        EXPECT_EQ(pick(readBitmapPixels(whole.handle()), {{0, 0}, {63, 47}}),
+                  (Pixels{onScreen(0, 0), onScreen(63, 47)}));
         Bitmap part;
         part.attach(makeBitmap(30, 20, [](int, int) { return kBackground; }), true);
         part.copyFrom(screen.get(), area.left + 10, area.top + 5, 20, 10, 3, 2);
-        EXPECT_EQ(readBitmapPixels(part.handle()).pixels, expectedCanvas(30, 20, {3, 2, 23, 12}, 10, 5, onScreen));
+        EXPECT_EQ(pick(readBitmapPixels(part.handle()), {{3, 2}, {22, 11}, {2, 2}, {23, 11}, {22, 12}}),
+                  (Pixels{onScreen(10, 5), onScreen(29, 14), kBackground, kBackground, kBackground}));
 
         // Scaled to the truncated size, and copied.
         for (double factor : {1.5, 0.5}) {
             Bitmap bitmap;
-            bitmap.attach(makeBitmap(101, 51, quadrants(100, 50)), true);
+            bitmap.attach(makeBitmap(101, 51, quadrants), true);
             bitmap.scale(factor);
             BitmapHandle copy(bitmap.copy());
             const PixelGrid scaled = readBitmapPixels(copy.get());
-            ASSERT_EQ(scaled.width, static_cast<int>(101 * factor));
-            ASSERT_EQ(scaled.height, static_cast<int>(51 * factor));
+            ASSERT_EQ(std::make_pair(scaled.width, scaled.height), std::make_pair(int(101 * factor), int(51 * factor)));
             EXPECT_EQ(scaled.pixels, readBitmapPixels(bitmap.handle()).pixels) << "a copy shows the same";
-            const PixelPattern expected = quadrants(100 * factor, 50 * factor);
-            for (int y = 0; y < scaled.height; ++y)
-                for (int x = 0; x < scaled.width; ++x) {
-                    // Away from the edges between the quadrants, where neighbours mix.
-                    if (std::abs(x + 0.5 - 50 * factor) > 3 && std::abs(y + 0.5 - 25 * factor) > 3) {
-                        ASSERT_EQ(scaled.at(x, y), expected(x, y)) << factor << ": " << x << "," << y;
-                    }
-                }
+            for (int x : {25, 75})
+                for (int y : {12, 37})
+                    EXPECT_EQ(scaled.at(int(x * factor), int(y * factor)), quadrants(x, y)) << factor;
         }
     });
 }
