@@ -96,7 +96,6 @@ TEST(ModuleTempFolder, IsPryxaElsePryxa1WhileAFileIsInTheWayNothingCached)
     ASSERT_TRUE(RemoveDirectoryW(pryxa.c_str()));
     const ZString blocker = scratch.writeFile(L"temp\\Pryxa", "not a folder");
     EXPECT_EQ(moduleTempFolder(), pryxa + L"_1");
-    EXPECT_TRUE(PathIsDirectoryW((pryxa + L"_1").c_str()));
     ASSERT_TRUE(DeleteFileW(blocker.c_str()));
     EXPECT_EQ(moduleTempFolder(), pryxa) << "used again once the way is clear";
 }
@@ -108,7 +107,6 @@ TEST(ModuleTempFolder, AfterPryxa99ComesTheSystemTempFolder)
     for (int n = 1; n <= 99; ++n)
         scratch.writeFile(ZString::format(L"temp\\Pryxa_%d", n), "x");
     EXPECT_EQ(moduleTempFolder(), scratch.tempFolder());
-    EXPECT_FALSE(PathFileExistsW((scratch.tempFolder() + L"\\Pryxa_100").c_str()));
 }
 
 // Without one the current folder is used; without that either, the user is told in an
