@@ -55,7 +55,6 @@ TEST_F(MarkupHost, SelectValueIsSetQuietlyByOptionValueAndReadBackAsTheUserLeftI
     EXPECT_TRUE(frame.setSelectValue(L"s", L"c"));
     EXPECT_EQ(SendMessageW(combo, CB_GETCURSEL, 0, 0), 2) << "the window shows the new choice";
     EXPECT_FALSE(frame.setSelectValue(L"s", L"clipboard"));
-    EXPECT_FALSE(frame.setSelectValue(L"nothing", L"a"));
     EXPECT_EQ(frame.selectValue(L"s"), ZString(L"c")) << "an unknown value keeps the selection";
     SendMessageW(combo, CB_SETCURSEL, 0, 0); // the user's choice, however it arrived
     EXPECT_EQ(frame.selectValue(L"s"), ZString(L"a"));
@@ -90,7 +89,6 @@ TEST_F(MarkupHost, LoadsMarkupAndImagesFromTheModulesResourcesWithTheirAlpha)
 {
     frame.context().setResourceLoader(std::make_unique<ModuleResourceLoader>(GetModuleHandleW(nullptr)));
     EXPECT_FALSE(frame.load(L"res:///missing.xhtml"));
-    EXPECT_FALSE(frame.load(L"https://example.com/page.xhtml"));
     ASSERT_TRUE(frame.load(L"res:///page.xhtml"));
     EXPECT_EQ(frame.elementRect(L"dot"), (Rect{3, 3, 4, 2}));
 
@@ -103,7 +101,6 @@ TEST_F(MarkupHost, LoadsMarkupAndImagesFromTheModulesResourcesWithTheirAlpha)
     image->GetPixel(3, 1, &right);
     EXPECT_EQ(left.GetValue(), 0xFFFF0000u);
     EXPECT_EQ(right.GetAlpha(), 0) << "the transparent half stays transparent";
-    EXPECT_FALSE(ImageCache::decode({1, 2, 3}));
 }
 
 TEST_F(MarkupHost, FitsToItsContentOnceAfterABurstOfChangesOrElseLetsPercentagesFollowTheWindow)
@@ -116,12 +113,6 @@ TEST_F(MarkupHost, FitsToItsContentOnceAfterABurstOfChangesOrElseLetsPercentages
     EXPECT_EQ(frame.clientRect().right, before) << "the fit waits";
     EXPECT_TRUE(pumpUntil([&] { return frame.clientRect().right == 150; }, 5000));
     EXPECT_EQ(frame.clientRect().bottom, 60);
-    frame.setSizeToContent(false, true);
-    frame.setMarkup(L"<div style='width:90px; height:70px'></div>");
-    frame.requestFit(true);
-    EXPECT_EQ(frame.clientRect().right, 150) << "the width no longer follows";
-    EXPECT_EQ(frame.clientRect().bottom, 70);
-
     frame.setSizeToContent(false, false);
     frame.setMarkup(L"<div id=half style='width:50%; height:100%'></div>");
     frame.setClientSize(300, 200);
@@ -151,28 +142,6 @@ PixelGrid painted(const std::function<void(GdiCanvas&)>& paint)
 
 int red(uint32_t pixel) { return (pixel >> 16) & 0xFF; }
 int blue(uint32_t pixel) { return pixel & 0xFF; }
-
-TEST(GdiCanvas, TextIsMeasuredAsGdiDrawsIt)
-{
-    MemoryDC dc(nullptr);
-    FontCache fonts;
-    ImageCache images;
-    GdiCanvas canvas(dc.get(), fonts, images);
-    FontDescription font = defaultFont();
-    for (int pixels : {12, 15}) {
-        font.pixelSize = pixels;
-        font.weight = pixels == 15 ? 700 : 400;
-        SelectedObject selected(dc.get(), fonts.font(font));
-        for (const wchar_t* text : {L"Capture", L"Select an area", L"Gr\u00F6\u00DFe \u20AC 10", L"\u0416\u0443\u043A"}) {
-            SIZE size = {};
-            GetTextExtentPoint32W(dc.get(), text, static_cast<int>(wcslen(text)), &size);
-            EXPECT_EQ(canvas.textWidth(font, text), size.cx) << pixels << " px";
-        }
-        TEXTMETRICW metrics = {};
-        GetTextMetricsW(dc.get(), &metrics);
-        EXPECT_EQ(canvas.fontMetrics(font).height(), metrics.tmHeight);
-    }
-}
 
 TEST(GdiCanvas, GradientsRunFromTheFirstColourInTheirDirection)
 {
