@@ -17,7 +17,7 @@ TEST(ImagePdfRules, PageSizeContentStreamAndOrientation)
         int pageWidth, pageHeight;
     } sizes[] = {
         {2000, 1000, 96, true, 842, 421}, {2000, 1000, 96, false, 1500, 750}, {1200, 1600, 96, true, 631, 842},
-        {1920, 1080, 144, false, 960, 540}, {100, 100, 144, true, 50, 50}, {1, 1, 600, false, 0, 0},
+        {100, 100, 144, true, 50, 50}, {1, 1, 600, false, 0, 0},
     };
     for (const auto& c : sizes) {
         const PageSize page = pageSize(c.width, c.height, c.dpi, c.a4);
@@ -57,8 +57,7 @@ TEST(ImagePdfRules, IndexedColourSpaces)
     EXPECT_EQ(document.highestNumber(), 0u) << "no object for a string lookup";
 
     EXPECT_EQ(written(Palette{17, std::vector<uint32_t>(17, 0xFFA0B0C0)}, kColorSpaceRgb), "[/Indexed /DeviceRGB 16 1 0 R]");
-    ASSERT_NE(document.object(1), nullptr);
-    ASSERT_NE(document.object(1)->value()->asStream(), nullptr);
+    ASSERT_TRUE(document.object(1) && document.object(1)->value()->asStream());
     EXPECT_EQ(document.object(1)->value()->asStream()->decode().substr(45), "\xA0\xB0\xC0\xA0\xB0\xC0") << "17 entries";
 
     // Grey entries, or the GRAY flag, give one byte an entry: the flag wins over colourful
