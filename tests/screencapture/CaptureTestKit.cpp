@@ -18,9 +18,7 @@ PixelGrid imagePixels(Gdiplus::Bitmap& image)
 PixelGrid pngFilePixels(const ZString& path)
 {
     Gdiplus::Bitmap image(path.c_str());
-    if (image.GetLastStatus() != Gdiplus::Ok)
-        return PixelGrid();
-    return imagePixels(image);
+    return image.GetLastStatus() == Gdiplus::Ok ? imagePixels(image) : PixelGrid();
 }
 
 std::vector<ZString> filesIn(const ZString& folder, const wchar_t* prefix)
@@ -77,39 +75,13 @@ bool putTextOnClipboard(const wchar_t* text)
     return putOnClipboard(CF_UNICODETEXT, memory) || (GlobalFree(memory), false);
 }
 
-HBITMAP createDibSection(int width, int height, int bitsPerPixel, const std::vector<uint32_t>& palette,
-                         const PixelPattern& pattern)
+HBITMAP createDibSection(int width, int height, const PixelPattern& pattern)
 {
-    std::vector<uint8_t> header(sizeof(BITMAPINFOHEADER) + 256 * sizeof(RGBQUAD));
-    auto* info = reinterpret_cast<BITMAPINFO*>(header.data());
-    info->bmiHeader.biSize = sizeof(BITMAPINFOHEADER);
-    info->bmiHeader.biWidth = width;
-    info->bmiHeader.biHeight = -height;
-    info->bmiHeader.biPlanes = 1;
-    info->bmiHeader.biBitCount = static_cast<WORD>(bitsPerPixel);
-    info->bmiHeader.biCompression = BI_RGB;
-    info->bmiHeader.biClrUsed = static_cast<DWORD>(palette.size());
-    for (size_t i = 0; i < palette.size(); ++i) {
-        info->bmiColors[i] = RGBQUAD{static_cast<BYTE>(palette[i]), static_cast<BYTE>(palette[i] >> 8),
-                                     static_cast<BYTE>(palette[i] >> 16), 0};
-    }
+    const BITMAPINFO info = {{sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
     void* bits = nullptr;
-    WindowDC screen;
-    HBITMAP bitmap = CreateDIBSection(screen.get(), info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    if (!bitmap)
-        return nullptr;
-    const int stride = ((width * bitsPerPixel + 31) / 32) * 4;
-    for (int y = 0; y < height; ++y) {
-        auto* row = static_cast<uint8_t*>(bits) + static_cast<ptrdiff_t>(y) * stride;
-        for (int x = 0; x < width; ++x) {
-            const uint32_t value = pattern(x, y);
-            if (bitsPerPixel == 8)
-                row[x] = static_cast<uint8_t>(value);
-            else
-                std::memcpy(row + x * 4, &value, 4);
-        }
-    }
-    GdiFlush();
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    for (int i = 0; bitmap && i < width * height; ++i)
+        static_cast<uint32_t*>(bits)[i] = pattern(i % width, i / width);
     return bitmap;
 }
 

@@ -28,10 +28,8 @@ std::vector<UINT> clipboardFormats(); // in enumeration order
 bool putBitmapOnClipboard(HBITMAP bitmap);
 bool putTextOnClipboard(const wchar_t* text);
 
-// A DIB section of the given depth (8: with a palette of `palette`; 32: with alpha),
-// drawn by the pattern (palette indexes for 8 bits, 0xAARRGGBB for 32).
-HBITMAP createDibSection(int width, int height, int bitsPerPixel, const std::vector<uint32_t>& palette,
-                         const PixelPattern& pattern);
+// A 32-bit DIB section drawn by the pattern (0xAARRGGBB).
+HBITMAP createDibSection(int width, int height, const PixelPattern& pattern);
 
 // Shows a frameless window with this pattern over everything, waiting until it is painted.
 std::unique_ptr<TestWindow> showPattern(const RECT& area, PixelPattern pattern, DWORD style = WS_POPUP,

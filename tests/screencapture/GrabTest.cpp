@@ -47,9 +47,8 @@ TEST_F(Grab, ScreenModesTakeThePrimaryScreenOrItsWorkArea)
 
     const int screenHeight = heightOf(screenRect());
     const std::pair<int, int> cases[] = {{screen, screenHeight},       {noMode, screenHeight},
-                                         {7, screenHeight},            {-3, screenHeight},
-                                         {activeWindow, screenHeight}, {screenClient, screenHeight - 40},
-                                         {activeWindowClient, screenHeight - 40}};
+                                         {7, screenHeight},            {activeWindow, screenHeight},
+                                         {screenClient, screenHeight - 40}, {activeWindowClient, screenHeight - 40}};
     for (const auto& [mode, height] : cases) {
         ScreenCapture capture(nullptr);
         capture.grab(static_cast<Mode>(mode));
@@ -59,7 +58,6 @@ TEST_F(Grab, ScreenModesTakeThePrimaryScreenOrItsWorkArea)
         EXPECT_EQ(grid.width, widthOf(screenRect())) << mode;
         EXPECT_EQ(grid.height, height) << mode;
         expectPattern(grid, patternArea, gradientPattern);
-        EXPECT_TRUE(capture.title().isEmpty());
     }
 }
 
@@ -107,30 +105,18 @@ TEST_F(Grab, EmptyClientAreaGivesNoImage)
     ScreenCapture capture(nullptr);
     capture.grab(activeWindowClient);
     EXPECT_EQ(capture.image(), nullptr);
-    EXPECT_EQ(capture.title(), ZString(L"No client"));
 }
 
-TEST_F(Grab, ClipboardBitmapsBecome24BitRgbOfTheSameSize)
+// Alpha is dropped; the colour channels stay as they are.
+TEST_F(Grab, ClipboardBitmapBecomes24BitRgbOfTheSameSize)
 {
-    const std::vector<uint32_t> palette = {0x000000, 0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF, 0x808000};
-    auto paletteIndex = [](int x, int y) { return static_cast<uint32_t>((x / 3 + y / 2) % 6); };
-    auto withAlpha = [](int x, int y) { return (0x80u << 24) | gradientPattern(x, y); };
-    const struct {
-        HBITMAP bitmap;
-        RECT size;
-        PixelPattern expected;
-    } cases[] = {{createDibSection(37, 21, 8, palette, paletteIndex), {0, 0, 37, 21},
-                  [&](int x, int y) { return palette[paletteIndex(x, y)]; }},
-                 // Alpha is dropped; the colour channels stay as they are.
-                 {createDibSection(40, 30, 32, {}, withAlpha), {0, 0, 40, 30}, gradientPattern}};
-    for (const auto& c : cases) {
-        ASSERT_TRUE(putBitmapOnClipboard(c.bitmap));
-        ScreenCapture capture(nullptr);
-        capture.grab(clipboard);
-        ASSERT_NE(capture.image(), nullptr);
-        EXPECT_EQ(capture.image()->GetPixelFormat(), PixelFormat24bppRGB);
-        expectPattern(imagePixels(*capture.image()), c.size, c.expected);
-    }
+    const auto withAlpha = [](int x, int y) { return (0x80u << 24) | gradientPattern(x, y); };
+    ASSERT_TRUE(putBitmapOnClipboard(createDibSection(40, 30, withAlpha)));
+    ScreenCapture capture(nullptr);
+    capture.grab(clipboard);
+    ASSERT_NE(capture.image(), nullptr);
+    EXPECT_EQ(capture.image()->GetPixelFormat(), PixelFormat24bppRGB);
+    expectPattern(imagePixels(*capture.image()), {0, 0, 40, 30}, gradientPattern);
 }
 
 } // namespace
