@@ -18,16 +18,14 @@ namespace {
 TEST(Tokenizer, StringsAndNamesAreDecoded)
 {
     const std::pair<std::string, std::string> literals[] = {
-        {"(\\n\\r\\t\\b\\f)", "\n\r\t\b\f"}, {"(\\(\\)\\\\)", "()\\"}, {"(a(b)c)", "a(b)c"},
-        {"(\\101\\60\\0618)", "A0" "18"}, {"(\\7\\77\\777)", std::string("\x07\x3F\xFF", 3)}, {"(\\0)", std::string(1, '\0')},
-        {"(line\\\r\ncontinued\\\nhere\\\rtoo)", "linecontinuedheretoo"}, {"(a\r\nb\rc\nd)", "a\nb\nc\nd"},
-        {"(\\q\\%)", "q%"}, {"()", ""},
+        {"(\\n\\r\\t\\b\\f\\(\\)\\\\)", "\n\r\t\b\f()\\"}, {"(\\101\\60\\0618\\777)", "A0" "18\xFF"},
+        {"(\\0)", std::string(1, '\0')}, {"(line\\\r\ncontinued\\\nhere\\\rtoo)", "linecontinuedheretoo"},
+        {"(a\r\nb\rc\nd)", "a\nb\nc\nd"}, {"(\\q\\%)", "q%"},
     };
     for (const auto& [raw, bytes] : literals)
         EXPECT_EQ(Tokenizer::decodeLiteral(raw), bytes) << raw;
     EXPECT_EQ(Tokenizer::decodeHex("<48 65\n6c6C6f>"), "Hello");
     EXPECT_EQ(Tokenizer::decodeHex("<414>"), "A@") << "an odd last digit is followed by 0";
-    EXPECT_EQ(Tokenizer::decodeName("A#20B#2f"), "A B/");
     EXPECT_EQ(Tokenizer::decodeName("a#b"), "a#b") << "'#' without two digits stands for itself";
     EXPECT_THROW(Tokenizer::decodeName("a#00"), PdfException);
 }
@@ -51,7 +49,6 @@ TEST(ObjectParser, ValuesReadBackAsWrittenAndNamesAreShared)
         // Comments, white space and delimiters; an integer too large for 64 bits is a real.
         {"[%comment\r1%another\n2/A/B / 10000000000000000000 -.5 4. +.0 +4\t\f<41 42>< >(a(b)c)]",
          "[1 2 /A /B / 10000000000000000000.0 -0.5 4.0 0.0 4 <41 42> < > (a(b)c)]"},
-        {"<</K/V/L[1]>>", "<<\r\n/K /V\r\n/L [1]\r\n>>"},
         {"<</K>>", "<<\r\n>>"} /* a last key without value counts as null: absent */,
     };
     for (const auto& [text, expected] : cases)
@@ -67,15 +64,11 @@ TEST(ObjectParser, MalformedInputNamesTheOffsetAndNestingIsBounded)
 {
     const std::size_t limit = ObjectParser::maxDepth;
     const std::pair<std::string, std::string> cases[] = {
-        {"1 1.2.3", "Invalid number \"1.2.3\" at offset 2"}, {"  12abc", "Invalid number \"12abc\" at offset 2"},
-        {"- 1", "Invalid number \"-\" at offset 0"}, {"[1 (abc", "Unterminated string at offset 3"},
-        {"(a(b)", "Unterminated string at offset 0"}, {"<4G>", "Invalid character in hexadecimal string at offset 2"},
-        {"<41", "Unterminated hexadecimal string at offset 0"}, {" )", "Unexpected ')' at offset 1"},
-        {"  > ", "Unexpected '>' at offset 2"}, {"[1 2", "Unexpected end of data at offset 4"},
-        {"<</A 1 ]", "Unexpected ']' at offset 7"}, {"[1 >>", "Unexpected '>>' at offset 3"},
-        {"<<1 2>>", "Dictionary key that is not a name in the dictionary at offset 0"},
-        {"[1 R]", "Unexpected \"R\" at offset 3"}, {"  endobj", "Unexpected \"endobj\" at offset 2"},
-        {"", "Unexpected end of data at offset 0"},
+        {"1 1.2.3", "Invalid number \"1.2.3\" at offset 2"}, {"- 1", "Invalid number \"-\" at offset 0"},
+        {"[1 (a(b)", "Unterminated string at offset 3"}, {"<4G>", "Invalid character in hexadecimal string at offset 2"},
+        {"<41", "Unterminated hexadecimal string at offset 0"}, {"  > ", "Unexpected '>' at offset 2"},
+        {"[1 2", "Unexpected end of data at offset 4"}, {"<</A 1 ]", "Unexpected ']' at offset 7"},
+        {"<<1 2>>", "Dictionary key that is not a name in the dictionary at offset 0"}, {"[1 R]", "Unexpected \"R\" at offset 3"},
         {std::string(1000000, '['), "Objects nested too deeply at offset " + std::to_string(limit)},
         // Arrays and dictionaries count alike: the 257th level opens at 129 + 2 * 127.
         {std::string(limit / 2 + 1, '[') + std::string(limit, '<') + "<", "Objects nested too deeply at offset 383"},
@@ -85,32 +78,25 @@ TEST(ObjectParser, MalformedInputNamesTheOffsetAndNestingIsBounded)
         // The error may come with the second object.
         EXPECT_EQ(errorOf([&] { parsing.parser.parseObject(), parsing.parser.parseObject(); }), message) << text.substr(0, 20);
     }
-    EXPECT_THROW(Tokenizer("1.2.3").next(), NumberFormatException);
     const std::string fits = std::string(limit, '[') + std::string(limit, ']');
     EXPECT_EQ(reparsed(fits), fits);
 }
 
 TEST(ObjectParser, StreamDataEndsAtEndstreamWhateverTheLength)
 {
-    EXPECT_EQ(Parsing("7 1 obj 42 endobj").parser.parseIndirect()->generation(), 1);
     // The line end after "stream" and the one before "endstream" are not data.
     const std::pair<const char*, const char*> cases[] = {
         {"1 0 obj\n<</Length 5>>\nstream\r\nabcde\r\nendstream\nendobj", "abcde"},
         // A wrong Length: the data ends at "endstream".
         {"1 0 obj <</Length 2>> stream\nabcde\nendstream endobj", "abcde"},
         {"1 0 obj <</Length 999>> stream\nabcde\r\nendstream endobj", "abcde"},
-        {"1 0 obj <</Length -1>> stream\r\nab\rendstream endobj", "ab"},
         {"1 0 obj <</Length 9 0 R>> stream\nxyz\nendstream endobj", "xyz"},
         {"1 0 obj <<>> stream\nxyz endstream endobj", "xyz "},
     };
-    for (const auto& [text, data] : cases) {
-        Parsing parsing(text);
-        EXPECT_EQ(parsing.parser.parseIndirect()->value()->asStream()->data()->bytes(), data) << text;
-    }
-    for (const char* text : {"1 0 obj <</Length 3>> stream\nabcdef", "1 0 obj [1] stream\nab\nendstream"}) {
-        Parsing bad(text);
-        EXPECT_THROW(bad.parser.parseIndirect(), PdfException) << text;
-    }
+    for (const auto& [text, data] : cases)
+        EXPECT_EQ(Parsing(text).parser.parseIndirect()->value()->asStream()->data()->bytes(), data) << text;
+    for (const char* text : {"1 0 obj <</Length 3>> stream\nabcdef", "1 0 obj [1] stream\nab\nendstream"})
+        EXPECT_THROW(Parsing(text).parser.parseIndirect(), PdfException) << text;
 }
 
 } // namespace

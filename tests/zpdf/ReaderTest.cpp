@@ -3,12 +3,9 @@
 #include "TestSupport.h"
 #include "fuzz/FuzzTargets.h"
 
-#include "zpdf/Array.h"
-#include "zpdf/NameTable.h"
 #include "zpdf/Names.h"
 #include "zpdf/Number.h"
 #include "zpdf/PdfFile.h"
-#include "zpdf/Stream.h"
 #include "zpdf/String.h"
 #include "zpdf/XRefParser.h"
 
@@ -23,9 +20,7 @@ namespace {
 
 double pageWidth(PdfFile& file)
 {
-    Indirect* page = file.object(3);
-    Dict* dict = page && page->value() ? page->value()->asDict() : nullptr;
-    return dict ? dict->get(names::MediaBox())->asArray()->at(2)->asNumber()->value() : -1;
+    return file.object(3)->value()->asDict()->get(names::MediaBox())->asArray()->at(2)->asNumber()->value();
 }
 
 std::string offsetField(std::size_t offset)
@@ -36,18 +31,7 @@ std::string offsetField(std::size_t offset)
 
 std::string replaced(std::string bytes, const std::string& what, const std::string& with)
 {
-    const std::size_t at = bytes.find(what);
-    EXPECT_NE(at, std::string::npos) << what;
-    return at == std::string::npos ? bytes : bytes.replace(at, what.size(), with);
-}
-
-// The error reading the chain of cross-reference sections from startxref on.
-std::string chainError(const std::string& bytes)
-{
-    NameTable names;
-    XRefParser parser(bytes, names, {});
-    CrossReference entries(1000);
-    return errorOf([&] { parser.readChain(XRefParser::findStartXRef(bytes), entries); });
+    return bytes.replace(bytes.find(what), what.size(), with); // throws when `what` is missing
 }
 
 TEST(Reader, TableAndUpdatesThroughPrevLoadObjectsOnFirstUse)
@@ -65,31 +49,27 @@ TEST(Reader, TableAndUpdatesThroughPrevLoadObjectsOnFirstUse)
     pdf.table("/Root 1 0 R /Prev " + std::to_string(pdf.lastSection));
     PdfFile file(pdf.bytes);
     EXPECT_FALSE(file.wasRepaired());
-    EXPECT_EQ(file.version(), "1.7");
-    const std::size_t afterOpen = file.objects().count();
-    EXPECT_LE(afterOpen, 1u) << "only the catalog is looked at while opening";
+    EXPECT_LE(file.objects().count(), 1u) << "only the catalog is looked at while opening";
     Array* array = file.object(4)->value()->asArray();
     EXPECT_EQ(array->at(0)->resolve(), array->at(1)->resolve()) << "loaded once, then taken from the table";
-    EXPECT_EQ(file.objects().count(), afterOpen + 2);
     EXPECT_EQ(file.add(make<Number>(5))->number(), 10u) << "new numbers follow the file's, loaded or not";
     file.loadAllObjects();
     EXPECT_EQ(file.objects().count(), 7u) << "the cross-reference stream is structure";
     EXPECT_EQ(pageWidth(file), 300);
     EXPECT_EQ(file.object(7)->value()->asString()->serialized(), "(seven)");
     EXPECT_EQ(file.object(8)->value()->asString()->serialized(), "(changed again)");
-    EXPECT_EQ(file.trailer().get(names::Root())->asDict(), file.object(1)->value());
 }
 
-// Plain streams, compressed ones, and compressed ones behind a classic table (a hybrid file).
+// Cross-reference streams alone and behind a classic table (a hybrid file).
 TEST(Reader, CrossReferenceStreamsObjectStreamsAndHybridFiles)
 {
-    for (const int variant : {0, 1, 2}) {
-        SCOPED_TRACE(variant);
+    for (const bool hybrid : {false, true}) {
+        SCOPED_TRACE(hybrid);
         PdfBuilder pdf;
         const std::size_t one = pdf.object(1, catalog);
-        const std::size_t four = pdf.objectStream(4, {{2, pages}, {3, page(595)}, {6, "[1 2.5 (x)]"}}, variant > 0);
-        const std::size_t stream = pdf.xrefStream(5, variant == 2 ? "" : "/Root 1 0 R", variant > 0);
-        if (variant == 2) {
+        const std::size_t four = pdf.objectStream(4, {{2, pages}, {3, page(595)}, {6, "[1 2.5 (x)]"}});
+        const std::size_t stream = pdf.xrefStream(5, hybrid ? "" : "/Root 1 0 R");
+        if (hybrid) {
             // Objects 2, 3 and 6 are free in the table; the stream named by XRefStm has them.
             const std::string free = "0000000000 00000 f\r\n";
             const std::size_t table = pdf.bytes.size();
@@ -101,7 +81,6 @@ TEST(Reader, CrossReferenceStreamsObjectStreamsAndHybridFiles)
         file.loadAllObjects();
         EXPECT_FALSE(file.wasRepaired());
         EXPECT_EQ(file.objects().count(), 4u) << "the object stream and the cross-reference stream are structure";
-        EXPECT_EQ(file.object(4), nullptr);
         EXPECT_EQ(pageWidth(file), 595);
         EXPECT_EQ(file.object(6)->value()->asArray()->at(1)->asNumber()->value(), 2.5);
     }
@@ -127,15 +106,18 @@ TEST(Reader, BrokenCrossReferenceChainsAndOverlargeCountsAreErrors)
         {"%PDF-1.4\n1 0 obj <</Type /XRef /W [1 9 1] /Size 1 /Length 0>> stream\n\nendstream endobj\nstartxref\n9\n%%EOF",
          "Cross-reference stream field width out of range at offset 9"},
     };
-    for (const auto& [bytes, message] : cases)
-        EXPECT_EQ(chainError(bytes), message);
+    for (const auto& c : cases) { // read from startxref on
+        NameTable names;
+        XRefParser parser(c.first, names, {});
+        CrossReference entries(1000);
+        EXPECT_EQ(errorOf([&] { parser.readChain(XRefParser::findStartXRef(c.first), entries); }), c.second);
+    }
     PdfFile repaired(looped);
-    EXPECT_TRUE(repaired.wasRepaired());
-    EXPECT_EQ(pageWidth(repaired), 612);
+    EXPECT_EQ(pageWidth(repaired), 612) << "repaired";
 
     PdfBuilder pdf;
     pdf.pageTree();
-    const std::size_t stream = pdf.objectStream(8, {{6, "(x)"}}, false);
+    const std::size_t stream = pdf.objectStream(8, {{6, "(x)"}});
     pdf.xrefStream(9, "/Root 1 0 R");
     PdfFile file(replaced(pdf.bytes, "/N 1 ", "/N 9 ")); // same length, so every offset stays right
     EXPECT_EQ(errorOf([&] { file.object(6); }), "Object stream declares more than it holds at offset " + std::to_string(stream));
@@ -148,11 +130,9 @@ TEST(Reader, RefusedFilesGiveClearErrors)
     pdf.pageTree();
     pdf.object(4, "<</Filter /Standard /V 2 /R 3 /O <00> /U <00> /P -4>>");
     pdf.table("/Root 1 0 R /Encrypt 4 0 R");
-    EXPECT_THROW(PdfFile{pdf.bytes}, UnsupportedException);
     const std::pair<std::string, const char*> cases[] = {
         {pdf.bytes, "Encrypted PDF files are not supported"},
         {"", "Not a PDF file: no \"%PDF-\" header"},
-        {"%PDX-1.4\n1 0 obj <<>> endobj", "Not a PDF file: no \"%PDF-\" header"},
         {"%PDF-1.4\n1 0 obj (no catalog) endobj\n", "Damaged file: neither a trailer nor a document catalog found"},
         {"%PDF-1.4\ntrailer <</Root 7 0 R>>\n", "Damaged file: the document catalog cannot be read"},
     };
@@ -175,13 +155,10 @@ TEST(DamagedFile, RepairedAndReadInFull)
     const struct { const char* name; std::string bytes; bool repaired; } cases[] = {
         {"no cross-reference data at all", bytes.substr(0, xrefAt), true},
         {"startxref points elsewhere", replaced(bytes, startxref, "startxref\n" + std::to_string(xrefAt - 40)), true},
-        {"startxref beyond the end", replaced(bytes, startxref, "startxref\n99999999"), true},
         // Each object is found by the scan when it is not at its offset.
         {"every offset in the table shifted",
          replaced(replaced(bytes, "1 0 obj", comment + "1 0 obj"), startxref,
                   "startxref\n" + std::to_string(xrefAt + comment.size())),
-         false},
-        {"the contents stream's offset wrong", replaced(bytes, offsetField(contentsAt), offsetField(contentsAt + 3)),
          false},
         {"the stream's Length beyond its end", replaced(bytes, "5 0 obj\n17\n", "5 0 obj\n99\n"), false},
         {"garbage before the header", "garbage line\n" + bytes, true},
@@ -199,7 +176,6 @@ TEST(DamagedFile, RepairedAndReadInFull)
 
     // Cut inside the contents stream: the page tree survives, the stream does not.
     PdfFile file(bytes.substr(0, contentsAt + 40));
-    EXPECT_TRUE(file.wasRepaired());
     EXPECT_EQ(file.pages()->get(names::Count())->asNumber()->value(), 1);
     EXPECT_EQ(errorOf([&] { file.loadAllObjects(); }),
               "Stream without \"endstream\" at offset " + std::to_string(contentsAt + 26));
@@ -226,7 +202,6 @@ TEST(DamagedFile, LengthChainsAndManyUnendedStreamsStayBounded)
     for (int n = 3; n < 60000; ++n)
         bytes += std::to_string(n) + " 0 obj <</Length 99999999>> stream\n0 0 m 10 10 l S\n";
     PdfFile unended(bytes + "trailer <</Root 1 0 R>>\n");
-    EXPECT_TRUE(unended.wasRepaired());
     EXPECT_THROW(unended.loadAllObjects(), PdfException);
     EXPECT_EQ(unended.pages()->get(names::Count())->asNumber()->value(), 0);
 }
@@ -237,9 +212,8 @@ TEST(FuzzReplay, SeedCorpusAndFoundFailures)
     int seeds = 0;
     for (const char* kind : {"corpus", "regressions"}) {
         const std::filesystem::path folder = std::filesystem::path(ZPDF_FUZZ_DIR) / kind / "open";
-        if (!std::filesystem::exists(folder)) // git keeps no empty folder
-            continue;
-        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        // git keeps no empty folder
+        for (const auto& entry : exists(folder) ? std::filesystem::directory_iterator(folder) : std::filesystem::directory_iterator()) {
             const std::string bytes = readFile(entry.path().string());
             EXPECT_TRUE(zpdffuzz::openAndLoad(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()))
                 << entry.path().string();

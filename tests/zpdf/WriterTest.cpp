@@ -1,7 +1,6 @@
 // The files the writer makes, and documents written, read back and written again.
 #include "TestSupport.h"
 
-#include "zpdf/Array.h"
 #include "zpdf/Bool.h"
 #include "zpdf/BufferWriter.h"
 #include "zpdf/FileWriter.h"
@@ -18,13 +17,6 @@ using zpdfTest::arrayOf;
 using zpdfTest::writeChecked;
 
 namespace {
-
-std::string written(Document& document)
-{
-    BufferWriter out;
-    out.writeDocument(document);
-    return out.take();
-}
 
 // Missing numbers are free entries, each naming the free number before it; the trailer
 // takes ID, Info and Root only.
@@ -58,28 +50,22 @@ TEST(Writer, WholeFile)
 TEST(Writer, PositionCountsStagedAndLargeWritesAndAMissingFolderIsReported)
 {
     BufferWriter out;
-    out.write("ab");
-    out.put('c');
     out.writeInt(-42);
     const std::string large(300 * 1024, 'x');
     out.write(large);
-    out.write("!");
-    EXPECT_EQ(out.position(), static_cast<std::int64_t>(large.size() + 7));
-    EXPECT_EQ(out.data(), "abc-42" + large + "!");
-
-    const std::string path = zpdfTest::temporaryPath("_missing") + "/out.pdf";
-    EXPECT_THROW(FileWriter(ZString::fromUtf8(path)), PdfException);
+    out.put('!');
+    EXPECT_EQ(out.position(), static_cast<std::int64_t>(large.size() + 4));
+    EXPECT_EQ(out.data(), "-42" + large + "!");
+    EXPECT_THROW(FileWriter(ZString::fromUtf8(zpdfTest::temporaryPath("_missing") + "/out.pdf")), PdfException);
 }
 
 // A document with every kind of object the writer knows; returns the number of its array.
 // Its names are the predefined ones, as the module's are: names compare by identity.
 std::uint32_t fill(Document& document)
 {
-    Ptr<Dict> font = make<Dict>();
+    Ptr<Dict> font = make<Dict>(), fonts = make<Dict>(), resources = make<Dict>();
     font->set(names::Type(), names::Font());
-    Ptr<Dict> fonts = make<Dict>();
     fonts->set(names::F(), document.add(font));
-    Ptr<Dict> resources = make<Dict>();
     resources->set(names::Font(), fonts);
     Ptr<Stream> contents = make<Stream>("BT /F 12 Tf 72 712 Td (Hello) Tj ET");
     contents->compress();
@@ -91,7 +77,6 @@ std::uint32_t fill(Document& document)
          make<String>("literal (balanced) text", StringMode::literal), make<String>("0a1B", StringMode::hex),
          make<String>(ZString(u"Wide \u00e9")), make<String>(ZString()), make<Array>(), make<Dict>()}));
     document.setInfo(names::Title(), make<String>(ZString(u"Gr\u00fc\u00dfe \U0001F600")));
-    document.setInfo(names::Producer(), make<String>("zpdf", StringMode::literal));
     return values->number();
 }
 
@@ -111,25 +96,20 @@ TEST(RoundTrip, WrittenDocumentsReadBackEqualRewriteByteForByteAndCanBeChanged)
     EXPECT_FALSE(file.wasRepaired());
     ASSERT_EQ(file.objects().count(), original.objects().count());
     for (const Ptr<Indirect>& object : original.objects().slots()) {
-        if (!object)
-            continue;
-        Indirect* read = file.object(object->number());
-        ASSERT_NE(read, nullptr) << object->number();
-        EXPECT_TRUE(read->equals(object.get(), true)) << "object " << object->number();
+        Indirect* read = object ? file.object(object->number()) : nullptr;
+        EXPECT_TRUE(!object || (read && read->equals(object.get(), true))) << (object ? object->number() : 0u);
     }
-    for (const Ptr<Name>* key : {&names::Root(), &names::Info()})
-        EXPECT_TRUE(file.trailer().get(*key)->equals(original.trailer().get(*key)));
 
     PdfFile once(bytes); // not loaded beforehand: the writer loads what it needs
-    EXPECT_EQ(written(once), bytes) << "the writer's own output comes back byte for byte";
+    BufferWriter out;
+    out.writeDocument(once);
+    EXPECT_EQ(out.take(), bytes) << "the writer's own output comes back byte for byte";
 
     PdfFile changing(bytes);
     changing.addPage(100, 100, nullptr, nullptr);
     EXPECT_TRUE(changing.remove(array)) << "an object not loaded yet can be removed";
-    EXPECT_EQ(changing.object(array), nullptr) << "and does not come back from the file";
     PdfFile changed(writeChecked(changing));
-    changed.loadAllObjects();
-    EXPECT_EQ(changed.object(array), nullptr);
+    EXPECT_EQ(changed.object(array), nullptr) << "and does not come back from the file";
     EXPECT_EQ(changed.pages()->get(names::Count())->asNumber()->value(), 3);
 }
 
