@@ -19,7 +19,7 @@ ZString helperProgramPath()
 }
 
 // `output`, if given, is inherited as standard output and error.
-KernelHandle launch(const ZString& text, HANDLE output)
+KernelHandle launch(const ZString& text, HANDLE output = nullptr)
 {
     std::vector<wchar_t> commandLine(text.c_str(), text.c_str() + text.length() + 1); // CreateProcessW may write to it
     STARTUPINFOW startup = {};
@@ -40,7 +40,7 @@ KernelHandle launch(const ZString& text, HANDLE output)
 
 KernelHandle startProgram(const ZString& commandLine)
 {
-    return launch(commandLine, nullptr);
+    return launch(commandLine);
 }
 
 int runProgram(const ZString& commandLine, std::string& output, unsigned timeoutMs)

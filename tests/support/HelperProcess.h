@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// Starts `commandLine` (program and arguments); its process handle, empty on failure.
+// The process handle, empty on failure.
 KernelHandle startProgram(const ZString& commandLine);
 
 // Runs `commandLine` to its end (at most `timeoutMs`) and returns its exit code, or -1 if
@@ -22,7 +22,6 @@ public:
     HeldByHelper(const HeldByHelper&) = delete;
     HeldByHelper& operator=(const HeldByHelper&) = delete;
 
-    // True once the other process holds it.
     bool holding() const { return holding_; }
 
 private:
@@ -32,13 +31,11 @@ private:
     bool holding_ = false;
 };
 
-// Keeps the clipboard open in another process.
 class ClipboardHolder : public HeldByHelper {
 public:
     ClipboardHolder() : HeldByHelper(L"hold-clipboard") {}
 };
 
-// Holds a named mutex in another process.
 class MutexHolder : public HeldByHelper {
 public:
     explicit MutexHolder(const ZString& name) : HeldByHelper(L"hold-mutex " + name) {}

@@ -86,34 +86,27 @@ int countKernelHandles()
     return -1;
 }
 
-BOOL CALLBACK countOne(HWND, LPARAM counter)
-{
-    ++*reinterpret_cast<int*>(counter);
-    return TRUE;
-}
-
-// Counts `window` and its descendants if it is this process's. The system gives each
-// thread with windows a default IME window that comes and goes with the thread's first and
-// last window; it is not the program's own.
+// Counts `window` if it is this process's. The system gives each thread with windows a
+// default IME window that comes and goes with the thread's first and last window; it is not
+// the program's own.
 BOOL CALLBACK countIfOurs(HWND window, LPARAM counter)
 {
     DWORD processId = 0;
     GetWindowThreadProcessId(window, &processId);
     const std::wstring name = windowClass(window);
-    if (processId != GetCurrentProcessId() || name == L"IME" || name == L"MSCTFIME UI")
-        return TRUE;
-    countOne(window, counter);
-    EnumChildWindows(window, countOne, counter);
+    if (processId == GetCurrentProcessId() && name != L"IME" && name != L"MSCTFIME UI")
+        ++*reinterpret_cast<int*>(counter);
     return TRUE;
 }
 
+// EnumChildWindows goes through all descendants: of the desktop, and of the parent of all
+// message-only windows.
 int countWindows()
 {
     int count = 0;
-    EnumWindows(countIfOurs, reinterpret_cast<LPARAM>(&count));
-    for (HWND window = FindWindowExW(HWND_MESSAGE, nullptr, nullptr, nullptr); window;
-         window = FindWindowExW(HWND_MESSAGE, window, nullptr, nullptr))
-        countIfOurs(window, reinterpret_cast<LPARAM>(&count));
+    EnumChildWindows(GetDesktopWindow(), countIfOurs, reinterpret_cast<LPARAM>(&count));
+    if (HWND messageOnly = FindWindowExW(HWND_MESSAGE, nullptr, nullptr, nullptr))
+        EnumChildWindows(GetAncestor(messageOnly, GA_PARENT), countIfOurs, reinterpret_cast<LPARAM>(&count));
     return count;
 }
 

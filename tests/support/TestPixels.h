@@ -22,9 +22,9 @@ inline uint32_t rgb(int r, int g, int b)
     return (static_cast<uint32_t>(r) << 16) | (static_cast<uint32_t>(g) << 8) | static_cast<uint32_t>(b);
 }
 
-// A bitmap's pixels, whatever its format; empty on failure.
+// Empty on failure.
 PixelGrid readBitmapPixels(HBITMAP bitmap);
-// What the screen shows in this rectangle (screen coordinates).
+// `area` in screen coordinates.
 PixelGrid readScreenPixels(const RECT& area);
 
 using PixelPattern = std::function<uint32_t(int x, int y)>;

@@ -1,15 +1,14 @@
 #include "tests/support/UiRobot.h"
 
+#include "base/ZString.h"
+
 namespace {
 
 constexpr DWORD kPollMs = 20;
 
 std::string narrow(const std::wstring& text)
 {
-    std::string out;
-    for (wchar_t c : text)
-        out.push_back(c < 0x80 ? static_cast<char>(c) : '?');
-    return out;
+    return ZString(text.c_str()).toUtf8();
 }
 
 // Checks `done` every kPollMs until it holds (true) or the time is up (false); `pump`

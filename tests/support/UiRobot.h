@@ -1,9 +1,7 @@
 #pragma once
-// A robot that acts as the user while the test's own thread sits in a modal call (a message
-// box, the save dialog, a modal loop). Its script runs on a background thread: it waits for
-// a top-level window of this process, reads it and presses its buttons. A wait that times
-// out fails the script; the robot then closes the process's visible top-level windows, so
-// that the modal call returns and the test fails instead of hanging.
+// Acts as the user, on a background thread, while the test's thread sits in a modal call. A
+// wait that times out fails the script and closes the process's visible top-level windows,
+// so that the modal call returns and the test fails instead of hanging.
 
 #include <windows.h>
 
@@ -29,10 +27,9 @@ public:
     // For the test: waits for the script to end; empty when it succeeded, else why not.
     std::string finish();
 
-    // For the script: a visible top-level window of this process with this class (empty:
-    // any) whose title is `title` (empty: any). Throws RobotFailure after the timeout.
+    // A visible top-level window of this process (empty: any class or title), else RobotFailure.
     HWND waitForWindow(const std::wstring& className, const std::wstring& title = L"", DWORD timeoutMs = 10000);
-    // The same for any condition; `what` describes the window in the failure.
+    // `what` describes the window in the failure.
     HWND waitForWindow(const std::function<bool(HWND)>& matches, const std::string& what, DWORD timeoutMs = 10000);
     // Throws RobotFailure if `window` still exists after the timeout.
     void waitForWindowGone(HWND window, DWORD timeoutMs = 10000);
@@ -49,20 +46,17 @@ struct MessageBoxInfo {
     std::vector<int> buttons; // IDOK, IDCANCEL, IDRETRY, ... in id order
 };
 
-// Reads a message box as the user sees it.
 MessageBoxInfo readMessageBox(HWND box);
 // Presses the button with this control id, as a click would.
 void pressButton(HWND dialog, int controlId);
 // The first descendant of `parent` with this class (empty: any) and id (-1: any).
 HWND findDescendant(HWND parent, const std::wstring& className, int controlId = -1);
-// Replaces the text of an edit control, as typing would.
 void typeText(HWND edit, const std::wstring& text);
 std::wstring windowText(HWND window);
 std::wstring windowClass(HWND window);
 // Visible top-level windows of this process.
 std::vector<HWND> processWindows();
 
-// Dispatches this thread's messages for the given time.
+// Dispatch this thread's messages for the time, or until the condition holds.
 void pumpMessages(DWORD milliseconds);
-// Dispatches this thread's messages until the condition holds or the time is up.
 bool pumpUntil(const std::function<bool()>& condition, DWORD timeoutMs);
