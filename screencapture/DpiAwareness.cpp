@@ -4,15 +4,49 @@
 
 namespace screenCapture {
 
+namespace {
+
+using RtlGetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOEXW*);
+using SetProcessDpiAwareFunction = BOOL(WINAPI*)();
+
+template <typename Function>
+Function lookUp(HMODULE module, const char* name)
+{
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+// GetVersionEx lies to programs without a manifest; ntdll's RtlGetVersion does not.
+RtlGetVersionFunction rtlGetVersion()
+{
+    static const RtlGetVersionFunction function = [] {
+        HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
+        return ntdll ? lookUp<RtlGetVersionFunction>(ntdll, "RtlGetVersion") : nullptr;
+    }();
+    return function;
+}
+
+bool isVistaOrLater()
+{
+    const RtlGetVersionFunction getVersion = rtlGetVersion();
+    if (!getVersion)
+        return false;
+    OSVERSIONINFOEXW version = {};
+    version.dwOSVersionInfoSize = sizeof version;
+    return getVersion(&version) == 0 && version.dwMajorVersion >= 6;
+}
+
+} // namespace
+
 void makeProcessDpiAware()
 {
-    // Looked up rather than imported: user32 has it from Windows Vista on, and its absence
-    // is the whole test for an older system. The module imports user32, so it is loaded.
-    using SetProcessDpiAwareFunction = BOOL(WINAPI*)();
-    const auto setAware = reinterpret_cast<SetProcessDpiAwareFunction>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetProcessDPIAware")));
-    if (setAware)
+    if (!isVistaOrLater())
+        return;
+    HMODULE user32 = LoadLibraryW(L"user32.dll");
+    if (!user32)
+        return;
+    if (auto setAware = lookUp<SetProcessDpiAwareFunction>(user32, "SetProcessDPIAware"))
         setAware();
+    FreeLibrary(user32);
 }
 
 } // namespace screenCapture
