@@ -70,14 +70,12 @@ bool ScreenCapture::CaptureWindow::freezeScreen(const RECT& screen)
         ShowCursor(FALSE);
         snapshot_.emplace(display.get(), width, height);
         BitBlt(snapshot_->dc.get(), 0, 0, width, height, display.get(), screen.left, screen.top, kSnapshotCopy);
-        veiled_.emplace(display.get(), width, height);
-        // Not filled here: each mouse move fills what it sends to the screen.
+        // Not filled here: painting fills it.
         work_.emplace(display.get(), width, height);
         workPen_.emplace(workDC(), pen_.get());
         workBrush_.emplace(workDC(), GetStockObject(NULL_BRUSH));
     }
     ShowCursor(TRUE);
-    veilSnapshot(width, height);
     return true;
 }
 
@@ -121,7 +119,9 @@ void ScreenCapture::CaptureWindow::paint()
     PAINTSTRUCT paint = {};
     HDC dc = BeginPaint(handle(), &paint);
     const RECT& area = paint.rcPaint;
-    BitBlt(dc, area.left, area.top, widthOf(area), heightOf(area), veiled_->dc.get(), area.left, area.top, SRCCOPY);
+    showSnapshot(area);
+    veil(area);
+    BitBlt(dc, area.left, area.top, widthOf(area), heightOf(area), workDC(), area.left, area.top, SRCCOPY);
     EndPaint(handle(), &paint);
 }
 
@@ -139,10 +139,11 @@ void ScreenCapture::CaptureWindow::moveTo(POINT point)
     if (!selecting_)
         return;
     const RECT damaged = damagedArea(start_, current_, point);
-    compose(*veiled_, damaged);
+    showSnapshot(damaged);
+    veil(damaged);
     current_ = point;
     const RECT selection = selectionRect(start_, current_);
-    compose(*snapshot_, selection);
+    showSnapshot(selection);
     Rectangle(workDC(), selection.left, selection.top, selection.right, selection.bottom);
     const WindowDC dc(handle());
     if (dc)
@@ -162,20 +163,19 @@ void ScreenCapture::CaptureWindow::finishAt(POINT point)
     destroy();
 }
 
-void ScreenCapture::CaptureWindow::compose(const Surface& source, const RECT& area)
+void ScreenCapture::CaptureWindow::showSnapshot(const RECT& area)
 {
-    BitBlt(workDC(), area.left, area.top, widthOf(area), heightOf(area), source.dc.get(), area.left, area.top,
+    BitBlt(workDC(), area.left, area.top, widthOf(area), heightOf(area), snapshot_->dc.get(), area.left, area.top,
            SRCCOPY);
 }
 
-// Once per overlay, so that neither painting nor a mouse move blends anything.
-void ScreenCapture::CaptureWindow::veilSnapshot(int width, int height)
+// A GDI+ graphics and brush live for one fill only.
+void ScreenCapture::CaptureWindow::veil(const RECT& area)
 {
-    HDC veiled = veiled_->dc.get();
-    BitBlt(veiled, 0, 0, width, height, snapshot_->dc.get(), 0, 0, SRCCOPY);
-    Gdiplus::Graphics graphics(veiled);
+    Gdiplus::Graphics graphics(workDC());
     Gdiplus::SolidBrush brush{Gdiplus::Color(kVeilColour)};
-    graphics.FillRectangle(&brush, 0, 0, width, height);
+    graphics.FillRectangle(&brush, static_cast<INT>(area.left), static_cast<INT>(area.top), widthOf(area),
+                           heightOf(area));
 }
 
 } // namespace screenCapture

@@ -16,9 +16,8 @@ namespace screenCapture {
 class ScreenCapture::CaptureWindow : public BaseWindow {
 public:
     explicit CaptureWindow(ScreenCapture& owner) : owner_(&owner) {}
-    // Frees, in this order, the snapshot's DC and bitmap, the veiled copy's, the work
-    // surface's, and the pen (by the order of the members below); then the base destroys
-    // the window if still bound.
+    // Frees, in this order, the snapshot DC and bitmap, the work DC and bitmap, and the pen
+    // (by the order of the members below); then the base destroys the window if still bound.
     ~CaptureWindow() override = default;
 
     // Freezes the screen, shows the overlay and loops on the thread's messages until the
@@ -39,16 +38,15 @@ private:
         SelectedObject selection;
     };
 
-    // Takes the snapshot of `virtualScreen`, veils a copy of it and prepares the work
-    // surface; false without a screen DC.
+    // Takes the snapshot of `virtualScreen` and prepares the work surface; false without a
+    // screen DC.
     bool freezeScreen(const RECT& virtualScreen);
-    void veilSnapshot(int width, int height);
     void paint();
     void startAt(POINT point);
     void moveTo(POINT point);
     void finishAt(POINT point);
-    // Copies `area` of the snapshot or of its veiled copy onto the work surface.
-    void compose(const Surface& source, const RECT& area);
+    void showSnapshot(const RECT& area);
+    void veil(const RECT& area);
     HDC workDC() const { return work_->dc.get(); }
 
     ScreenCapture* owner_;
@@ -59,11 +57,9 @@ private:
     HCURSOR arrowCursor_ = nullptr; // shared system cursors, never destroyed
     HCURSOR crossCursor_ = nullptr;
     PenHandle pen_;
-    // Where a mouse move composes what it sends to the screen, from the two below.
     std::optional<Surface> work_;
     std::optional<SelectedObject> workPen_;
     std::optional<SelectedObject> workBrush_;
-    std::optional<Surface> veiled_;
     std::optional<Surface> snapshot_;
 };
 
