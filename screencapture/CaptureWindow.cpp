@@ -145,10 +145,11 @@ void ScreenCapture::CaptureWindow::moveTo(POINT point)
     const RECT selection = selectionRect(start_, current_);
     showSnapshot(selection);
     Rectangle(workDC(), selection.left, selection.top, selection.right, selection.bottom);
-    const WindowDC dc(handle());
-    if (dc)
-        BitBlt(dc.get(), damaged.left, damaged.top, widthOf(damaged), heightOf(damaged), workDC(), damaged.left,
+    if (HDC dc = getDC()) {
+        BitBlt(dc, damaged.left, damaged.top, widthOf(damaged), heightOf(damaged), workDC(), damaged.left,
                damaged.top, SRCCOPY);
+        releaseDC(dc);
+    }
 }
 
 // The picture is cut from the snapshot, so it shows the screen as it was when the overlay
