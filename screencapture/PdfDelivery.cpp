@@ -8,6 +8,8 @@
 #include "zpdf/PdfException.h"
 #include "zpdf/String.h"
 
+#include <algorithm>
+
 namespace screenCapture {
 
 namespace {
@@ -49,10 +51,11 @@ imageToPdf::ConversionOptions pdfOptionsFromConfiguration()
 {
     imageToPdf::ConversionOptions options;
     options.dpi = static_cast<int32_t>(config_getDword(L"Img2PdfDpi", 144));
+    options.jpegQuality = std::clamp(static_cast<int32_t>(config_getDword(L"Img2PdfJpegQuality", 100)), 0, 100);
     options.passThroughJpg = config_getBool(L"Img2PdfPassThroughJpg", true);
     options.optForA4 = config_getBool(L"Img2PdfOptForA4", true);
-    // A capture is always encoded at full quality: "Img2PdfJpegQuality" is for other
-    // pictures, so it is not even read here.
+    // A capture is always encoded at full quality; the configured value is for other
+    // pictures and deliberately has no effect here.
     options.jpegQuality = 100;
     return options;
 }
