@@ -38,8 +38,12 @@ void dropIntoDocumentTool(const FileHandlerArgs& args)
 // The suite's main window first, then the assistant's ("Assistent" is its class's spelling).
 HWND assistantWindow()
 {
-    if (HWND creator = FindWindowW(L"Pryxa_Creator", nullptr))
+    if (HWND creator = FindWindowW(L"Pryxa_Creator", nullptr)) {
+        // Asked before every hand-off to the suite's window, as its other callers do; the
+        // answer itself is not used.
+        GetForegroundWindow();
         return creator;
+    }
     return FindWindowW(L"Pryxa_Assistent", nullptr);
 }
 
