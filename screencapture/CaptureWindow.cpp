@@ -37,7 +37,7 @@ ScreenCapture::CaptureWindow::Surface::Surface(HDC screen, int width, int height
 
 void ScreenCapture::CaptureWindow::run(HINSTANCE instance)
 {
-    selecting_ = cancelled_ = false;
+    selecting_ = selected_ = cancelled_ = false;
     arrowCursor_ = LoadCursorW(nullptr, IDC_ARROW);
     crossCursor_ = LoadCursorW(nullptr, IDC_CROSS);
     pen_.reset(CreatePen(PS_DOT, screenDpi() / 96, RGB(0, 0, 0)));
@@ -159,6 +159,7 @@ void ScreenCapture::CaptureWindow::finishAt(POINT point)
     show(SW_HIDE);
     SetCursor(arrowCursor_);
     selecting_ = false;
+    selected_ = true;
     current_ = point;
     owner_->grabRect(snapshot_->dc.get(), selectionRect(start_, current_));
     destroy();

@@ -24,6 +24,8 @@ public:
     // overlay is gone. The outcome is in the owner's image and in cancelled().
     void run(HINSTANCE instance);
     bool cancelled() const { return cancelled_; }
+    // A rectangle was completed by releasing the button.
+    bool selected() const { return selected_; }
 
 protected:
     LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -51,6 +53,7 @@ private:
 
     ScreenCapture* owner_;
     bool selecting_ = false;
+    bool selected_ = false;
     bool cancelled_ = false;
     POINT start_ = {};
     POINT current_ = {};
