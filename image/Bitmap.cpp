@@ -2,6 +2,12 @@
 
 #include "base/win/GdiHandles.h"
 
+namespace {
+
+const DWORD kShowOnScreenPauseMs = 10;
+
+} // namespace
+
 void Bitmap::reset()
 {
     handle_ = nullptr;
@@ -139,6 +145,17 @@ void Bitmap::scale(double factor)
         StretchBlt(target.get(), 0, 0, newWidth, newHeight, source.get(), 0, 0, width(), height(), SRCCOPY);
     }
     attach(scaled.release(), true);
+}
+
+void Bitmap::showOnScreen()
+{
+    WindowDC screen;
+    MemoryDC memory(screen.get());
+    SelectedObject selected(memory.get(), handle_);
+    for (;;) {
+        BitBlt(screen.get(), 0, 0, width(), height(), memory.get(), 0, 0, SRCCOPY);
+        Sleep(kShowOnScreenPauseMs);
+    }
 }
 
 HBITMAP Bitmap::copy()

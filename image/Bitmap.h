@@ -47,6 +47,9 @@ public:
     virtual HBITMAP handle();
     // Replaces the bitmap with a stretched copy of (int)(width * factor) x (int)(height * factor).
     virtual void scale(double factor);
+    // Debugging aid only: blits the bitmap to the top left of the screen every 10 ms,
+    // forever. It never returns; nothing in the product calls it.
+    [[noreturn]] virtual void showOnScreen();
     // A copy of the bitmap at its own size; the caller owns it.
     virtual HBITMAP copy();
 
