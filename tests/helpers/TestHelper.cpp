@@ -2,6 +2,9 @@
 //   hold-clipboard READY DONE  opens the clipboard, sets the event READY and keeps the
 //                              clipboard open until the event DONE is set (30 s at most)
 //   hold-mutex NAME READY DONE holds the named mutex likewise
+//   empty-clipboard            empties the clipboard
+//   clipboard-bitmap W H       exits with 0 if the clipboard holds a W x H bitmap, 6 if it
+//                              holds no bitmap, 7 if the bitmap has another size
 //   anything else              appends its command line (UTF-8) as one line to the file
 //                              named by %PRYXA_RECORD_FILE%: it stands in for programs that
 //                              the module starts, under whatever name they are copied to
@@ -30,11 +33,33 @@ int record()
     return 0;
 }
 
+// Answers for scripts, which cannot look at the clipboard of a Wine session themselves.
+int clipboardCommand(const std::wstring& command, int argc, wchar_t** argv)
+{
+    if (!OpenClipboard(nullptr))
+        return 5;
+    int status = 0;
+    if (command == L"empty-clipboard") {
+        EmptyClipboard();
+    } else if (HBITMAP bitmap = static_cast<HBITMAP>(GetClipboardData(CF_BITMAP))) {
+        BITMAP info{};
+        GetObjectW(bitmap, sizeof info, &info);
+        const bool sized = argc == 4 && info.bmWidth == _wtoi(argv[2]) && info.bmHeight == _wtoi(argv[3]);
+        status = sized ? 0 : 7;
+    } else {
+        status = 6;
+    }
+    CloseClipboard();
+    return status;
+}
+
 } // namespace
 
 int wmain(int argc, wchar_t** argv)
 {
     const std::wstring command = argc > 1 ? argv[1] : L"";
+    if (command == L"empty-clipboard" || command == L"clipboard-bitmap")
+        return clipboardCommand(command, argc, argv);
     const bool clipboard = command == L"hold-clipboard" && argc == 4;
     if (!clipboard && !(command == L"hold-mutex" && argc == 5))
         return record();
