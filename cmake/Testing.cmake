@@ -9,16 +9,44 @@ target_compile_options(gtest_main PRIVATE -w)
 # A hung test process fails after this many seconds instead of blocking the run.
 set(PRYXA_TEST_TIMEOUT 300)
 
-# pryxa_add_test_program(NAME sources... LIBS libs...)
-# One program per subsystem; Wine starts a process slowly, so cases are grouped.
+# pryxa_add_test_program(NAME sources... LIBS libs... [DISPLAYS shapes...])
+# One program per subsystem; Wine starts a process slowly, so cases are grouped. A Windows
+# program runs in the standard Wine session, or, with DISPLAYS, once in the session of each
+# display shape named (scripts/wine-env), as the test NAME_SHAPE.
 function(pryxa_add_test_program name)
-  cmake_parse_arguments(T "" "" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(T "" "" "SOURCES;LIBS;DISPLAYS" ${ARGN})
   add_executable(${name} ${T_SOURCES})
   target_link_libraries(${name} PRIVATE ${T_LIBS} gtest)
-  add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT ${PRYXA_TEST_TIMEOUT})
-  if(PRYXA_TARGET STREQUAL "windows")
-    set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine_session
-      ENVIRONMENT "PRYXA_BUILD_DIR=${CMAKE_BINARY_DIR}")
+  if(NOT T_DISPLAYS)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${PRYXA_TEST_TIMEOUT})
+    if(PRYXA_TARGET STREQUAL "windows")
+      set_tests_properties(${name} PROPERTIES FIXTURES_REQUIRED wine_session
+        ENVIRONMENT "PRYXA_BUILD_DIR=${CMAKE_BINARY_DIR}")
+    endif()
+    return()
   endif()
+  foreach(shape IN LISTS T_DISPLAYS)
+    pryxa_add_wine_session(${shape})
+    add_test(NAME ${name}_${shape} COMMAND ${name})
+    set_tests_properties(${name}_${shape} PROPERTIES TIMEOUT ${PRYXA_TEST_TIMEOUT} FIXTURES_REQUIRED wine_session_${shape}
+      ENVIRONMENT "PRYXA_BUILD_DIR=${CMAKE_BINARY_DIR};PRYXA_WINE_SHAPE=${shape}")
+  endforeach()
+endfunction()
+
+# The Xvfb display and wineserver of one display shape, started before the first test that
+# needs them and stopped after the last; once per shape.
+function(pryxa_add_wine_session shape)
+  get_property(added GLOBAL PROPERTY pryxa_wine_session_${shape})
+  if(added)
+    return()
+  endif()
+  set_property(GLOBAL PROPERTY pryxa_wine_session_${shape} TRUE)
+  foreach(action start stop)
+    add_test(NAME wine_session_${action}_${shape}
+      COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-session ${action} ${CMAKE_BINARY_DIR})
+    set_tests_properties(wine_session_${action}_${shape} PROPERTIES ENVIRONMENT "PRYXA_WINE_SHAPE=${shape}")
+  endforeach()
+  set_tests_properties(wine_session_start_${shape} PROPERTIES FIXTURES_SETUP wine_session_${shape} TIMEOUT 300)
+  set_tests_properties(wine_session_stop_${shape} PROPERTIES FIXTURES_CLEANUP wine_session_${shape} TIMEOUT 60)
 endfunction()

@@ -97,6 +97,18 @@ uint32_t gradientPattern(int x, int y)
     return rgb((x * 7) & 0xFF, (y * 5) & 0xFF, ((x ^ y) * 3) & 0xFF);
 }
 
+ReservedTaskBar::ReservedTaskBar(const RECT& monitor) : workArea_(monitor)
+{
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &previous_, 0);
+    workArea_.bottom -= 40;
+    SystemParametersInfoW(SPI_SETWORKAREA, 0, &workArea_, 0);
+}
+
+ReservedTaskBar::~ReservedTaskBar()
+{
+    SystemParametersInfoW(SPI_SETWORKAREA, 0, &previous_, 0);
+}
+
 namespace {
 
 const wchar_t* const kPngKey = L"Software\\Classes\\.png";

@@ -45,3 +45,19 @@ public:
 };
 
 uint32_t gradientPattern(int x, int y); // pixels easy to tell apart
+
+// The work area of `monitor` is 40 pixels shorter than the monitor while this lives, as if
+// a task bar were docked at its bottom, so that the work area and the monitor can be told apart.
+class ReservedTaskBar {
+public:
+    explicit ReservedTaskBar(const RECT& monitor);
+    ~ReservedTaskBar();
+    ReservedTaskBar(const ReservedTaskBar&) = delete;
+    ReservedTaskBar& operator=(const ReservedTaskBar&) = delete;
+
+    RECT workArea() const { return workArea_; }
+
+private:
+    RECT previous_ = {};
+    RECT workArea_ = {};
+};

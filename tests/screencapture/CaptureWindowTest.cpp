@@ -6,45 +6,14 @@
 #include "screencapture/DpiAwareness.h"
 #include "screencapture/ScreenCapture.h"
 #include "tests/screencapture/CaptureTestKit.h"
+#include "tests/screencapture/OverlayHand.h"
 #include "tests/support/ResourceCounters.h"
 #include "tests/support/UiRobot.h"
 
 #include <atomic>
-#include <cstdlib>
 
 namespace screenCapture {
 namespace {
-
-// The user's hand on the overlay, for the robot's script.
-struct Overlay {
-    explicit Overlay(UiRobot& robot)
-        : window(robot.waitForWindow(
-            [](HWND w) { return _wcsicmp(windowClass(w).c_str(), L"Static") == 0 && windowText(w) == L"ScreenCapture"; },
-            "the overlay"))
-    {
-    }
-    void post(UINT message, WPARAM keys, POINT p)
-    {
-        PostMessageW(window, message, keys, MAKELPARAM(static_cast<WORD>(p.x), static_cast<WORD>(p.y)));
-    }
-    void press(POINT p) { post(WM_LBUTTONDOWN, MK_LBUTTON, p); }
-    void moveTo(POINT p) { post(WM_MOUSEMOVE, MK_LBUTTON, p); }
-    void release(POINT p) { post(WM_LBUTTONUP, 0, p); }
-    void keyUp(UINT key) { PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001)); }
-
-    HWND window;
-};
-
-// Runs the overlay on this thread while the robot acts as the user.
-void selectWith(ScreenCapture& capture, const std::function<void(Overlay&)>& user)
-{
-    UiRobot robot([&](UiRobot& r) {
-        Overlay overlay(r);
-        user(overlay);
-    });
-    capture.selectArea();
-    EXPECT_EQ(robot.finish(), "");
-}
 
 using CaptureWindow = CaptureTest;
 
@@ -74,7 +43,7 @@ TEST_F(CaptureWindow, PictureIsTheScreenAsItWasWhenTheOverlayAppearedAndNothingI
         if (from.x != topLeft.x) // the first run is the first use of GDI+ and of the system's shared objects
             resourcesBefore = countResources();
         ScreenCapture capture(nullptr);
-        selectWith(capture, [&](Overlay& overlay) {
+        selectWith(capture, [&](OverlayHand& overlay) {
             changed = true; // the window below the overlay now shows something else
             InvalidateRect(window->handle(), nullptr, FALSE);
             if (!pumpUntil([&] { return repainted.load(); }, 5000))
@@ -108,7 +77,7 @@ TEST_F(CaptureWindow, EscapeWhileDraggingCancelsSilentlyAndAClickGivesNoPicture)
 {
     ASSERT_TRUE(putTextOnClipboard(L"kept"));
     UiRobot robot([&](UiRobot& r) {
-        Overlay o(r);
+        OverlayHand o(r);
         o.press({300, 300});
         o.moveTo({600, 500});
         o.keyUp(VK_ESCAPE);
@@ -122,29 +91,12 @@ TEST_F(CaptureWindow, EscapeWhileDraggingCancelsSilentlyAndAClickGivesNoPicture)
     EXPECT_EQ(clipboardFormats().at(0), UINT(CF_UNICODETEXT)) << "nothing delivered";
 
     ScreenCapture click(nullptr);
-    selectWith(click, [](Overlay& o) {
+    selectWith(click, [](OverlayHand& o) {
         o.press({500, 500});
         o.release({500, 500});
     });
     EXPECT_EQ(click.image(), nullptr);
     EXPECT_FALSE(click.cancelled());
-}
-
-// Calm colours, far from black, white and their own veiled look.
-uint32_t calmPattern(int x, int y)
-{
-    return rgb(40 + (x % 64), 80 + (y % 64), 120 + ((x + y) % 32));
-}
-
-// `seen` is `clear` under the white veil: each channel blended with white at 150 of 255.
-bool isVeiled(uint32_t seen, uint32_t clear)
-{
-    for (int shift : {0, 8, 16}) {
-        const int expected = (static_cast<int>((clear >> shift) & 0xFF) * 105 + 255 * 150 + 127) / 255;
-        if (std::abs(static_cast<int>((seen >> shift) & 0xFF) - expected) > 2)
-            return false;
-    }
-    return true;
 }
 
 enum class Look { clear, veiled, outline };
@@ -154,15 +106,6 @@ Look lookOf(const PixelGrid& seen, const PixelGrid& before, POINT p)
     if (seen.at(p.x, p.y) == before.at(p.x, p.y))
         return Look::clear;
     return isVeiled(seen.at(p.x, p.y), before.at(p.x, p.y)) ? Look::veiled : Look::outline;
-}
-
-// Reads the screen once `ready` holds, or after a few seconds. Wine may hold back drawing done
-// outside WM_PAINT until the window's thread takes another message, so each try posts one.
-PixelGrid screenOnce(HWND overlay, const std::function<bool(const PixelGrid&)>& ready)
-{
-    pumpUntil([&] { return PostMessageW(overlay, WM_NULL, 0, 0) && ready(readScreenPixels(wholeScreen())); }, 3000);
-    Sleep(100);
-    return readScreenPixels(wholeScreen());
 }
 
 // Over a calm pattern: before a drag the whole screen is veiled; during a drag from `from`
@@ -185,12 +128,12 @@ TEST_F(CaptureWindow, VeiledBeforeADragAndClearInsideADottedOutlineDuringOne)
     SetCursorPos(to.x, to.y);
     pumpMessages(50);
     ScreenCapture capture(nullptr);
-    selectWith(capture, [&](Overlay& o) {
-        veiled = screenOnce(o.window, [&](const PixelGrid& g) { return lookOf(g, before, inside) == Look::veiled; });
+    selectWith(capture, [&](OverlayHand& o) {
+        veiled = screenOnce(o.window, wholeScreen(), [&](const PixelGrid& g) { return lookOf(g, before, inside) == Look::veiled; });
         o.press(from);
         o.moveTo({to.x + 40, to.y - 30});
         o.moveTo(to);
-        dragging = screenOnce(o.window, [&](const PixelGrid& g) {
+        dragging = screenOnce(o.window, wholeScreen(), [&](const PixelGrid& g) {
             return lookOf(g, before, inside) == Look::clear && lookOf(g, before, leftBehind) == Look::veiled;
         });
         o.keyUp(VK_ESCAPE);

@@ -10,19 +10,6 @@ RECT screenRect() { return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetric
 int widthOf(const RECT& r) { return r.right - r.left; }
 int heightOf(const RECT& r) { return r.bottom - r.top; }
 
-// A work area 40 pixels shorter than the screen while it lives, so that the fallbacks can be told apart.
-struct ReservedTaskBar {
-    ReservedTaskBar()
-    {
-        SystemParametersInfoW(SPI_GETWORKAREA, 0, &previous, 0);
-        RECT smaller = screenRect();
-        smaller.bottom -= 40;
-        SystemParametersInfoW(SPI_SETWORKAREA, 0, &smaller, 0);
-    }
-    ~ReservedTaskBar() { SystemParametersInfoW(SPI_SETWORKAREA, 0, &previous, 0); }
-    RECT previous = {};
-};
-
 // The part of `grid` at `area` (in grid coordinates) equals the pattern.
 void expectPattern(const PixelGrid& grid, const RECT& area, const PixelPattern& pattern)
 {
@@ -38,7 +25,7 @@ using Grab = CaptureTest;
 // window is there, while activeWindowClient then takes the work area.
 TEST_F(Grab, ScreenModesTakeThePrimaryScreenOrItsWorkArea)
 {
-    ReservedTaskBar taskBar;
+    ReservedTaskBar taskBar(screenRect());
     const RECT patternArea = {300, 200, 500, 350};
     auto window = showPattern(patternArea, gradientPattern);
     HWND found = nullptr;

@@ -1,11 +1,13 @@
 #include "xhtml/win/NativeControls.h"
 
+#include "base/win/ScreenDpi.h"
+
 namespace xhtml {
 
 namespace {
 
 constexpr int kFirstId = 1000;
-constexpr int kDropDownRoom = 240; // the height of an open drop-down list
+constexpr int kDropDownRoom = 240; // the height of an open drop-down list at 96 DPI
 
 struct NativeKind {
     const wchar_t* className;
@@ -130,8 +132,9 @@ void NativeControls::place()
             shown = up->isDisplayed();
         const Rect& box = view.box;
         if (view.control->type == ControlType::select && !view.control->isList()) {
-            // The window's height is its open height; the closed field takes the box.
-            MoveWindow(entry.window, box.x, box.y, box.width, box.height + kDropDownRoom, FALSE);
+            // The window's height is its open height; the closed field takes the box. The list
+            // grows with the screen's DPI like its rows, so that it shows as many of them.
+            MoveWindow(entry.window, box.x, box.y, box.width, box.height + kDropDownRoom * screenDpi() / 96, FALSE);
             SendMessageW(entry.window, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), box.height - 6);
         } else {
             MoveWindow(entry.window, box.x, box.y, box.width, box.height, FALSE);
