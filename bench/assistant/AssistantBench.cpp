@@ -1,14 +1,15 @@
 // Times the assistant receiving a thousand files of the same name, one command line each
 // ("-deleteFile -dir OUT -name NAME FILE"), as the capture module hands them over: every
-// file after the first needs the next free "NAME (N).pdf". Prints the time of the first
-// and the last hundred files and of all of them; a search that probes each candidate in
-// turn shows as a last hundred much slower than the first. Run under Wine (run-assistant-bench).
+// file after the first needs the next free "NAME (N).pdf". Prints the median time a file
+// of the first and of the last hundred, and the time of all of them; a search that probes
+// each candidate in turn shows as a last hundred much slower than the first. Run under Wine (run-assistant-bench).
 
 #include "base/win/TempFolder.h"
 #include "tools/assistant/Inbox.h"
 
 #include <windows.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -25,6 +26,13 @@ using Clock = std::chrono::steady_clock;
 double msSince(Clock::time_point start)
 {
     return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+double medianMs(std::vector<double>::const_iterator begin, std::vector<double>::const_iterator end)
+{
+    std::vector<double> group(begin, end);
+    std::nth_element(group.begin(), group.begin() + group.size() / 2, group.end());
+    return group[group.size() / 2];
 }
 
 // Small stand-ins for captured PDFs: the copy itself is not what is measured.
@@ -58,17 +66,16 @@ int main()
             return 1;
         }
     }
-    double first = 0, last = 0, all = 0;
-    for (int i = 0; i < kFiles; ++i) {
-        all += times[i];
-        first += i < kGroup ? times[i] : 0;
-        last += i >= kFiles - kGroup ? times[i] : 0;
-    }
+    double all = 0;
+    for (double time : times)
+        all += time;
     std::printf("Assistant receiving %d files named \"Screen capture\":\n", kFiles);
-    std::printf("  first %d files:  %8.1f ms (%.2f ms a file)\n", kGroup, first, first / kGroup);
-    std::printf("  last %d files:   %8.1f ms (%.2f ms a file)\n", kGroup, last, last / kGroup);
+    const double first = medianMs(times.begin(), times.begin() + kGroup);
+    const double last = medianMs(times.end() - kGroup, times.end());
+    std::printf("  first %d files:  %6.2f ms a file (median)\n", kGroup, first);
+    std::printf("  last %d files:   %6.2f ms a file (median)\n", kGroup, last);
+    std::printf("  last / first:     %6.2f\n", last / first);
     std::printf("  all %d files:   %8.1f ms\n", kFiles, all);
-    std::printf("  last / first:     %8.1f\n", last / first);
     std::error_code ignored;
     std::filesystem::remove_all(std::filesystem::path(work.c_str()), ignored);
     return 0;
