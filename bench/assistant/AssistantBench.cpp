@@ -2,7 +2,8 @@
 // ("-deleteFile -dir OUT -name NAME FILE"), as the capture module hands them over: every
 // file after the first needs the next free "NAME (N).pdf". Prints the median time a file
 // of the first and of the last hundred, and the time of all of them; a search that probes
-// each candidate in turn shows as a last hundred much slower than the first. Run under Wine (run-assistant-bench).
+// each candidate in turn shows as a last hundred much slower than the first. Run under
+// Wine (run-assistant-bench).
 
 #include "base/win/TempFolder.h"
 #include "tools/assistant/Inbox.h"
@@ -54,7 +55,7 @@ int main()
     const ZString work = joinPath(systemTempFolder(), ZString::format(L"pryxa-assistant-bench-%lu", GetTickCount()));
     const std::vector<ZString> sources = writeSources(joinPath(work, L"in"));
     const ZString out = joinPath(work, L"out");
-    Inbox inbox(out, joinPath(work, L"assistant.log"));
+    Inbox inbox(out, joinPath(work, L"assistant.log"), [](const ZString&, const ZString&) {});
 
     std::vector<double> times;
     for (const ZString& source : sources) {

@@ -1,13 +1,12 @@
 // pryxa-Assistant: the suite's assistant as far as the screen capture needs it. It takes
 // the capture module's launch arguments on its command line and, while it runs, through
 // WM_COPYDATA (code 111) to its hidden window of class "Pryxa_Assistent"; it saves each
-// file it is given into its output folder and tells the user where it went. One instance
-// runs at a time: a second one hands its command line to the first and ends. It ends
-// itself a minute after the last file.
+// file it is given into its output folder and tells the user where it went, or why it
+// could not. One instance runs at a time: a second one hands its command line to the
+// first and ends. It ends itself a minute after the last file.
 
 #include "base/win/KernelHandle.h"
 #include "base/win/TempFolder.h"
-#include "companions/language/Language.h"
 #include "companions/notifyicon/NotifyIcon.h"
 #include "companions/settings/Settings.h"
 #include "screencapture/AssistantHandOff.h"
@@ -65,8 +64,7 @@ ZString defaultOutputFolder()
 
 void receive(HWND window, const ZString& arguments)
 {
-    for (const ZString& saved : inbox->receive(splitArguments(arguments)))
-        notifyIcon_info(lang_getStr(L"general/note"), lang_getStr(L"assistant/~file-saved") + L"\n" + saved);
+    inbox->receive(splitArguments(arguments));
     SetTimer(window, kIdleTimer, kIdleMs, nullptr);
 }
 
@@ -111,7 +109,8 @@ int run(HINSTANCE instance)
     if (single && GetLastError() == ERROR_ALREADY_EXISTS)
         return forwardToRunningInstance();
 
-    inbox = std::make_unique<Inbox>(defaultOutputFolder(), joinPath(moduleTempFolder(), L"pryxa-Assistant.log"));
+    inbox = std::make_unique<Inbox>(defaultOutputFolder(), joinPath(moduleTempFolder(), L"pryxa-Assistant.log"),
+                                    notifyIcon_info);
     WNDCLASSW windowClass = {};
     windowClass.lpfnWndProc = windowProc;
     windowClass.hInstance = instance;
