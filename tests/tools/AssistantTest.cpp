@@ -164,6 +164,11 @@ TEST_F(Assistant, FreeNamesGoOnWhereTheLastSearchStopped)
     env.writeFile(L"out\\Shot (5).pdf", "");
     EXPECT_EQ(names.next(out, L"Shot"), out + L"\\Shot (6).pdf");
     EXPECT_EQ(names.next(out, L"Other"), out + L"\\Other.pdf");
+
+    // Past the highest number there is no name.
+    FreeNames few(3);
+    EXPECT_EQ(few.next(out, L"Shot"), out + L"\\Shot (3).pdf");
+    EXPECT_EQ(few.next(out, L"Shot"), ZString());
 }
 
 KernelHandle startAssistant(const ZString& arguments)

@@ -1,7 +1,6 @@
 #include "tools/assistant/FreeNames.h"
 
 #include "base/win/TempFolder.h"
-#include "tools/assistant/SafeFileName.h"
 
 #include <windows.h>
 #include <shlwapi.h>
@@ -18,7 +17,7 @@ ZString numbered(const ZString& folder, const ZString& name, int number)
 ZString FreeNames::next(const ZString& folder, const ZString& name)
 {
     int& number = nextNumber_.try_emplace(joinPath(folder, name).toLower(), 1).first->second;
-    for (; number <= kHighestFileNumber; ++number) {
+    for (; number <= highestNumber_; ++number) {
         const ZString path = numbered(folder, name, number);
         if (!PathFileExistsW(path.c_str())) {
             ++number;

@@ -7,16 +7,20 @@
 // creates the file with a call that fails when it exists, and asks again.
 
 #include "base/ZString.h"
+#include "tools/assistant/SafeFileName.h"
 
 #include <unordered_map>
 
 class FreeNames {
 public:
-    // The full path of the next free name; empty once every number up to
-    // kHighestFileNumber has been handed out.
+    explicit FreeNames(int highestNumber = kHighestFileNumber) : highestNumber_(highestNumber) {}
+
+    // The full path of the next free name; empty once every number up to the highest has
+    // been passed.
     ZString next(const ZString& folder, const ZString& name);
 
 private:
+    int highestNumber_;
     // Keyed by folder and name in lower case, as Windows compares file names.
     std::unordered_map<ZString, int> nextNumber_;
 };
