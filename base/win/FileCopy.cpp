@@ -1,5 +1,7 @@
 #include "base/win/FileCopy.h"
 
+#include "base/win/SystemText.h"
+
 #include <shlwapi.h>
 
 namespace {
@@ -8,28 +10,6 @@ const int kTriesPerRound = 5;
 const DWORD kPauseBetweenTriesMs = 100;
 
 CopyFileCall copyFileCall = CopyFileW;
-
-// A buffer that FormatMessageW allocated, freed with LocalFree.
-class SystemText {
-public:
-    explicit SystemText(DWORD errorCode)
-    {
-        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-                       nullptr, errorCode, LANG_USER_DEFAULT, reinterpret_cast<LPWSTR>(&text_), 0, nullptr);
-    }
-    ~SystemText()
-    {
-        if (text_)
-            LocalFree(text_);
-    }
-    SystemText(const SystemText&) = delete;
-    SystemText& operator=(const SystemText&) = delete;
-
-    const wchar_t* get() const { return text_ ? text_ : L""; }
-
-private:
-    wchar_t* text_ = nullptr;
-};
 
 // One round of tries, 100 ms apart; an empty destination fails every try.
 bool tryCopy(const ZString& source, const ZString& destination)

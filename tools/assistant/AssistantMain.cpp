@@ -1,55 +1,27 @@
 // pryxa-Assistant: the suite's assistant as far as the screen capture needs it. It takes
 // the capture module's launch arguments on its command line and, while it runs, through
 // WM_COPYDATA (code 111) to its hidden window of class "Pryxa_Assistent"; it saves each
-// file it is given into its output folder and tells the user where it went. One instance
-// runs at a time: a second one hands its command line to the first and ends. It ends
-// itself a minute after the last file.
+// file it is given into its output folder and tells the user where it went, or why it
+// could not. Files are saved on a worker thread, so a sender is answered at once. One
+// instance runs at a time: a second one hands its command line to the first and ends. It
+// ends itself a minute after the last file has been saved.
 
 #include "base/win/KernelHandle.h"
 #include "base/win/TempFolder.h"
-#include "companions/language/Language.h"
 #include "companions/notifyicon/NotifyIcon.h"
 #include "companions/settings/Settings.h"
 #include "screencapture/AssistantHandOff.h"
 #include "screencapture/FileHandlerArgs.h"
+#include "tools/assistant/AssistantWindow.h"
+#include "tools/assistant/CommandLine.h"
 #include "tools/assistant/Inbox.h"
 
 #include <windows.h>
-#include <shellapi.h>
 #include <shlobj.h>
-
-#include <memory>
-#include <vector>
 
 namespace {
 
-const wchar_t* const kWindowClass = L"Pryxa_Assistent";
-constexpr UINT_PTR kIdleTimer = 1;
 constexpr UINT kIdleMs = 60000;
-
-std::unique_ptr<Inbox> inbox;
-
-struct LocalFreeDeleter {
-    void operator()(LPWSTR* memory) const { LocalFree(memory); }
-};
-
-// The items after the program name of a whole command line.
-std::vector<ZString> argumentsOf(const ZString& commandLine)
-{
-    int count = 0;
-    const std::unique_ptr<LPWSTR, LocalFreeDeleter> split(CommandLineToArgvW(commandLine.c_str(), &count));
-    std::vector<ZString> items;
-    for (int i = 1; split && i < count; ++i)
-        items.emplace_back(split.get()[i]);
-    return items;
-}
-
-// The items of a command line that holds arguments only.
-std::vector<ZString> splitArguments(const ZString& arguments)
-{
-    // CommandLineToArgvW reads its first item by the rules for a program name.
-    return argumentsOf(L"pryxa-Assistant " + arguments);
-}
 
 ZString ownArguments()
 {
@@ -63,69 +35,30 @@ ZString defaultOutputFolder()
     return userConfig_getStr(L"assistant.outputDir", joinPath(documents, L"Pryxa"));
 }
 
-void receive(HWND window, const ZString& arguments)
-{
-    for (const ZString& saved : inbox->receive(splitArguments(arguments)))
-        notifyIcon_info(lang_getStr(L"general/note"), lang_getStr(L"assistant/~file-saved") + L"\n" + saved);
-    SetTimer(window, kIdleTimer, kIdleMs, nullptr);
-}
-
-LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message) {
-    case WM_COPYDATA: {
-        const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(lParam);
-        if (data->dwData != screenCapture::kCommandLineCopyData || data->cbData < sizeof(wchar_t))
-            return FALSE;
-        // The text is only valid during the message: copy it, without trusting a terminator.
-        receive(window, ZString(static_cast<const wchar_t*>(data->lpData),
-                                static_cast<int>(data->cbData / sizeof(wchar_t)) - 1));
-        return TRUE;
-    }
-    case WM_TIMER:
-    case WM_CLOSE:
-        DestroyWindow(window);
-        return 0;
-    case WM_DESTROY:
-        PostQuitMessage(0);
-        return 0;
-    default:
-        return DefWindowProcW(window, message, wParam, lParam);
-    }
-}
-
 // Another instance runs (or is starting): hand it the command line.
 int forwardToRunningInstance()
 {
     HWND window = nullptr;
-    for (int i = 0; i < 100 && !(window = FindWindowW(kWindowClass, nullptr)); ++i)
+    for (int i = 0; i < 100 && !(window = FindWindowW(kAssistantWindowClass, nullptr)); ++i)
         Sleep(50);
     if (!window)
         return 1;
     return screenCapture::sendCommandLine(window, ownArguments()) ? 0 : 1;
 }
 
-int run(HINSTANCE instance)
+int run()
 {
     KernelHandle single(CreateMutexW(nullptr, FALSE, L"Pryxa-Assistant-Instance"));
     if (single && GetLastError() == ERROR_ALREADY_EXISTS)
         return forwardToRunningInstance();
 
-    inbox = std::make_unique<Inbox>(defaultOutputFolder(), joinPath(moduleTempFolder(), L"pryxa-Assistant.log"));
-    WNDCLASSW windowClass = {};
-    windowClass.lpfnWndProc = windowProc;
-    windowClass.hInstance = instance;
-    windowClass.lpszClassName = kWindowClass;
-    RegisterClassW(&windowClass);
-    HWND window = CreateWindowExW(0, kWindowClass, L"Pryxa Assistant", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                                  instance, nullptr);
-    if (!window)
+    Inbox inbox(defaultOutputFolder(), joinPath(moduleTempFolder(), L"pryxa-Assistant.log"), notifyIcon_info);
+    AssistantWindow window([&inbox](const ZString& line) { inbox.receive(splitArguments(line)); }, kIdleMs);
+    if (!window.open())
         return 1;
     const ZString arguments = ownArguments();
-    if (arguments.isEmpty())
-        SetTimer(window, kIdleTimer, kIdleMs, nullptr);
-    else
-        receive(window, arguments);
+    if (!arguments.isEmpty())
+        window.receive(arguments);
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) {
         TranslateMessage(&message);
@@ -136,10 +69,10 @@ int run(HINSTANCE instance)
 
 } // namespace
 
-int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int)
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int)
 {
     try {
-        return run(instance);
+        return run();
     } catch (...) {
         // No usable temporary folder: the user has been told.
         return 1;

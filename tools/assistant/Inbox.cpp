@@ -1,9 +1,11 @@
 #include "tools/assistant/Inbox.h"
 
+#include "base/win/SystemText.h"
 #include "base/win/TempFolder.h"
+#include "companions/language/Language.h"
 #include "screencapture/FileHandlerArgs.h"
+#include "tools/assistant/SafeFileName.h"
 
-#include <windows.h>
 #include <shlwapi.h>
 
 #include <filesystem>
@@ -14,7 +16,7 @@ namespace {
 bool exists(const ZString& path) { return PathFileExistsW(path.c_str()) != FALSE; }
 
 // Without a name the file keeps its own, less its extension.
-ZString baseNameFor(const ZString& source, const ZString& name)
+ZString wantedNameFor(const ZString& source, const ZString& name)
 {
     if (!name.isEmpty())
         return name;
@@ -25,16 +27,8 @@ ZString baseNameFor(const ZString& source, const ZString& name)
 
 } // namespace
 
-ZString freeFileName(const ZString& folder, const ZString& baseName)
-{
-    ZString path = joinPath(folder, baseName + L".pdf");
-    for (int n = 2; exists(path); ++n)
-        path = joinPath(folder, ZString::format(L"%s (%d).pdf", baseName.c_str(), n));
-    return path;
-}
-
-Inbox::Inbox(ZString defaultFolder, ZString logPath)
-    : defaultFolder_(std::move(defaultFolder)), logPath_(std::move(logPath))
+Inbox::Inbox(ZString defaultFolder, ZString logPath, TrayNote note)
+    : defaultFolder_(std::move(defaultFolder)), logPath_(std::move(logPath)), note_(std::move(note))
 {
 }
 
@@ -56,34 +50,47 @@ std::vector<ZString> Inbox::receive(const std::vector<ZString>& items)
     const ZString folder = args.dir.isEmpty() ? defaultFolder_ : args.dir;
     std::vector<ZString> saved;
     for (const ZString& file : args.files) {
-        const ZString target = saveOne(file, folder, baseNameFor(file, args.name));
-        if (target.isEmpty())
+        const Saved result = saveOne(file, folder, wantedNameFor(file, args.name));
+        if (result.path.isEmpty()) {
+            reportFailure(file, folder, result.error); // the file stays where it is
             continue;
-        saved.push_back(target);
+        }
+        saved.push_back(result.path);
+        note_(lang_getStr(L"general/note"), lang_getStr(L"assistant/~file-saved") + L"\n" + result.path);
         if (args.deleteFile && !DeleteFileW(file.c_str()))
             log(L"could not delete " + file);
     }
     return saved;
 }
 
-ZString Inbox::saveOne(const ZString& source, const ZString& folder, const ZString& baseName)
+Inbox::Saved Inbox::saveOne(const ZString& source, const ZString& folder, const ZString& wantedName)
 {
-    if (!createFolderTree(folder)) {
-        log(L"failed: cannot create " + folder);
-        return ZString();
-    }
+    createFolderTree(folder); // if that fails, the copy says why
+    const ZString name = safeFileName(wantedName, roomForName(folder), lang_getStr(L"assistant/filenames/~untitled"));
+    if (name.isEmpty())
+        return {ZString(), ERROR_FILENAME_EXCED_RANGE};
     // Never overwrite: a name taken meanwhile makes the copy fail, and the next name is tried.
-    for (int attempt = 0; attempt < 100; ++attempt) {
-        const ZString target = freeFileName(folder, baseName);
+    for (;;) {
+        const ZString target = freeNames_.next(folder, name);
+        if (target.isEmpty())
+            return {ZString(), ERROR_FILE_EXISTS}; // every number is taken
         if (CopyFileW(source.c_str(), target.c_str(), TRUE)) {
             log(L"saved " + source + L" as " + target);
-            return target;
+            return {target};
         }
-        if (GetLastError() != ERROR_FILE_EXISTS && GetLastError() != ERROR_ALREADY_EXISTS)
-            break;
+        const DWORD error = GetLastError();
+        if (error != ERROR_FILE_EXISTS && error != ERROR_ALREADY_EXISTS)
+            return {ZString(), error};
     }
-    log(ZString::format(L"failed: cannot copy %s into %s (error %lu)", source.c_str(), folder.c_str(), GetLastError()));
-    return ZString();
+}
+
+void Inbox::reportFailure(const ZString& source, const ZString& folder, DWORD error) const
+{
+    const ZString reason = ZString(SystemText(error).get()).trim();
+    log(ZString::format(L"failed: cannot save %s into %s (error %lu: %s)", source.c_str(), folder.c_str(), error,
+                        reason.c_str()));
+    note_(lang_getStr(L"general/error"), lang_getStr(L"assistant/~file-not-saved") + L"\n" + reason + L"\n"
+                                             + lang_getStr(L"assistant/~file-kept-here") + L"\n" + source);
 }
 
 void Inbox::log(const ZString& text) const
