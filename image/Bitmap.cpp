@@ -163,6 +163,10 @@ HBITMAP Bitmap::copy()
     return static_cast<HBITMAP>(CopyImage(handle_, IMAGE_BITMAP, 0, 0, 0));
 }
 
+// GetObjectW answers a bitmap handle with a BITMAP record of exactly this size; bmBits
+// makes it differ between the suite's 32-bit programs and 64-bit ones.
+static_assert(sizeof(BITMAP) == (sizeof(void*) == 4 ? 24 : 32), "BITMAP layout");
+
 void Bitmap::refreshInfo()
 {
     if (handle_)

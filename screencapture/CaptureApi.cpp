@@ -42,7 +42,7 @@ Target nameToTarget(const wchar_t* name) { return targetNamed(name); }
 } // namespace screenCapture
 
 // C hosts cannot take an exception: for them the message box is the whole report.
-void screenCapture_capture(int32_t mode, int32_t target)
+void SCREENCAPTURE_CALL screenCapture_capture(int32_t mode, int32_t target)
 {
     try {
         screenCapture::capture(static_cast<screenCapture::Mode>(mode), static_cast<screenCapture::Target>(target));
@@ -50,18 +50,18 @@ void screenCapture_capture(int32_t mode, int32_t target)
     }
 }
 
-bool screenCapture_canCaptureClipboard(void) { return screenCapture::canCaptureClipboard(); }
+int32_t SCREENCAPTURE_CALL screenCapture_canCaptureClipboard(void) { return screenCapture::canCaptureClipboard() ? 1 : 0; }
 
-const wchar_t* screenCapture_modeToName(int32_t mode)
+const wchar_t* SCREENCAPTURE_CALL screenCapture_modeToName(int32_t mode)
 {
     return screenCapture::modeToName(static_cast<screenCapture::Mode>(mode));
 }
 
-int32_t screenCapture_nameToMode(const wchar_t* name) { return screenCapture::nameToMode(name); }
+int32_t SCREENCAPTURE_CALL screenCapture_nameToMode(const wchar_t* name) { return screenCapture::nameToMode(name); }
 
-const wchar_t* screenCapture_targetToName(int32_t target)
+const wchar_t* SCREENCAPTURE_CALL screenCapture_targetToName(int32_t target)
 {
     return screenCapture::targetToName(static_cast<screenCapture::Target>(target));
 }
 
-int32_t screenCapture_nameToTarget(const wchar_t* name) { return screenCapture::nameToTarget(name); }
+int32_t SCREENCAPTURE_CALL screenCapture_nameToTarget(const wchar_t* name) { return screenCapture::nameToTarget(name); }

@@ -1,9 +1,18 @@
 /* The screen-capture module's interface, for C and C++ hosts.
  *
- * C++ hosts call the functions of namespace screenCapture; hosts in C or built with another
- * compiler call the screenCapture_* functions, which behave exactly the same. Modes and
- * targets are 32-bit values; names are UTF-16 strings that point into the module's own
- * tables (valid while the module is loaded; never freed by the caller).
+ * C++ hosts call the functions of namespace screenCapture; hosts in C, built with another
+ * compiler or in another language call the screenCapture_* functions, which behave exactly
+ * the same. Modes and targets are 32-bit values; names are UTF-16 strings (wchar_t, 16 bits
+ * on Windows) that point into the module's own tables (valid while the module is loaded;
+ * never freed by the caller).
+ *
+ * The screenCapture_* functions use the Windows API convention (WINAPI: stdcall on x86,
+ * the one convention on x86-64) and are exported under their plain names on both
+ * architectures, so GetProcAddress(module, "screenCapture_capture") finds them and a C#
+ * [DllImport] with the default calling convention calls them correctly; strings there
+ * need CharSet.Unicode. Their truth values are int32_t (1 or 0), not bool, so that a
+ * default BOOL marshalling reads them right. The C++ functions use the compiler's default
+ * convention (cdecl on x86) and their mangled names.
  *
  * capture() runs one capture synchronously on the calling thread, which must pump window
  * messages (the dialog and the area selection run modal loops on it). Failures are shown to
@@ -14,16 +23,21 @@
 #ifndef PRYXA_SCREENCAPTURE_CAPTUREAPI_H
 #define PRYXA_SCREENCAPTURE_CAPTUREAPI_H
 
-#include <stdbool.h>
 #include <stdint.h>
 #include <wchar.h>
 
-#if !defined(_WIN32)
+/* The module exports what screencapture.def lists, nothing more. */
+#if !defined(_WIN32) || defined(PRYXA_SCREENCAPTURE_BUILD)
 #define SCREENCAPTURE_API
-#elif defined(PRYXA_SCREENCAPTURE_BUILD)
-#define SCREENCAPTURE_API __declspec(dllexport)
 #else
 #define SCREENCAPTURE_API __declspec(dllimport)
+#endif
+
+/* WINAPI, without making every host include windows.h. */
+#if defined(_WIN32)
+#define SCREENCAPTURE_CALL __stdcall
+#else
+#define SCREENCAPTURE_CALL
 #endif
 
 #ifdef __cplusplus
@@ -62,12 +76,12 @@ SCREENCAPTURE_API Target nameToTarget(const wchar_t* name);
 extern "C" {
 #endif
 
-SCREENCAPTURE_API void screenCapture_capture(int32_t mode, int32_t target);
-SCREENCAPTURE_API bool screenCapture_canCaptureClipboard(void);
-SCREENCAPTURE_API const wchar_t* screenCapture_modeToName(int32_t mode);
-SCREENCAPTURE_API int32_t screenCapture_nameToMode(const wchar_t* name);
-SCREENCAPTURE_API const wchar_t* screenCapture_targetToName(int32_t target);
-SCREENCAPTURE_API int32_t screenCapture_nameToTarget(const wchar_t* name);
+SCREENCAPTURE_API void SCREENCAPTURE_CALL screenCapture_capture(int32_t mode, int32_t target);
+SCREENCAPTURE_API int32_t SCREENCAPTURE_CALL screenCapture_canCaptureClipboard(void); /* 1 or 0 */
+SCREENCAPTURE_API const wchar_t* SCREENCAPTURE_CALL screenCapture_modeToName(int32_t mode);
+SCREENCAPTURE_API int32_t SCREENCAPTURE_CALL screenCapture_nameToMode(const wchar_t* name);
+SCREENCAPTURE_API const wchar_t* SCREENCAPTURE_CALL screenCapture_targetToName(int32_t target);
+SCREENCAPTURE_API int32_t SCREENCAPTURE_CALL screenCapture_nameToTarget(const wchar_t* name);
 
 #ifdef __cplusplus
 }

@@ -29,6 +29,10 @@ void showWarning(const wchar_t* text)
     MessageBoxW(nullptr, text, L"Error", MB_OK | MB_ICONWARNING);
 }
 
+// GetObjectW fills in the whole DIBSECTION only when given its exact size, which differs
+// between the suite's 32-bit programs and 64-bit ones.
+static_assert(sizeof(DIBSECTION) == (sizeof(void*) == 4 ? 84 : 104), "DIBSECTION layout");
+
 void deliverToClipboard(Gdiplus::Bitmap& image)
 {
     HBITMAP converted = nullptr;

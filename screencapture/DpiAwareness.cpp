@@ -25,6 +25,9 @@ RtlGetVersionFunction rtlGetVersion()
     return function;
 }
 
+// RtlGetVersion fills in the extended record only when its size field says 284 bytes.
+static_assert(sizeof(OSVERSIONINFOEXW) == 284, "OSVERSIONINFOEXW layout");
+
 bool isVistaOrLater()
 {
     const RtlGetVersionFunction getVersion = rtlGetVersion();

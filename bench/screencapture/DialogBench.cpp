@@ -46,7 +46,7 @@ HWND visibleDialog()
 {
     HWND found = nullptr;
     EnumWindows(
-        [](HWND window, LPARAM result) -> BOOL {
+        [](HWND window, LPARAM result) CALLBACK -> BOOL {
             DWORD process = 0;
             GetWindowThreadProcessId(window, &process);
             wchar_t name[64] = {};

@@ -121,11 +121,11 @@ bool modalLoopEnds(BaseWindow& window, std::function<void()> action)
     static bool expired;
     pending = std::move(action);
     expired = false;
-    const UINT_PTR actionTimer = SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR id, DWORD) {
+    const UINT_PTR actionTimer = SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR id, DWORD) CALLBACK {
         KillTimer(nullptr, id);
         std::exchange(pending, nullptr)();
     });
-    const UINT_PTR deadline = SetTimer(nullptr, 0, 5000, [](HWND, UINT, UINT_PTR, DWORD) {
+    const UINT_PTR deadline = SetTimer(nullptr, 0, 5000, [](HWND, UINT, UINT_PTR, DWORD) CALLBACK {
         expired = true;
         PostQuitMessage(0);
     });

@@ -25,7 +25,7 @@ TEST_F(ScreenCaptureApi, ClipboardModeTakesOnlyABitmapOfferedNow)
 {
     const auto expectBitmap = [](bool offered, const char* state) {
         EXPECT_EQ(screenCapture::canCaptureClipboard(), offered) << state;
-        EXPECT_EQ(screenCapture_canCaptureClipboard(), offered) << state;
+        EXPECT_EQ(screenCapture_canCaptureClipboard(), offered ? 1 : 0) << state;
         screenCapture::ScreenCapture capture(nullptr);
         capture.grab(screenCapture::clipboard);
         EXPECT_EQ(capture.image() != nullptr, offered) << state;
@@ -50,6 +50,54 @@ TEST_F(ScreenCaptureApi, ClipboardModeTakesOnlyABitmapOfferedNow)
     ASSERT_EQ(robot.finish(), "");
     EXPECT_EQ(box.text, L"Could not capture the screen");
     EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONWARNING));
+}
+
+// A C export as a host in another language finds it: by its plain name, in the module
+// loaded by name. decltype keeps the WINAPI convention of the declaration.
+template <auto function>
+auto exported(HMODULE module, const char* name)
+{
+    return reinterpret_cast<decltype(function)>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+TEST_F(ScreenCaptureApi, CFunctionsAreFoundByTheirPlainNamesAndCalledWithTheWindowsConvention)
+{
+    HMODULE module = LoadLibraryW(L"screencapture.dll");
+    ASSERT_NE(module, nullptr);
+    const auto capture = exported<&screenCapture_capture>(module, "screenCapture_capture");
+    const auto canCaptureClipboard = exported<&screenCapture_canCaptureClipboard>(module, "screenCapture_canCaptureClipboard");
+    const auto modeToName = exported<&screenCapture_modeToName>(module, "screenCapture_modeToName");
+    const auto nameToMode = exported<&screenCapture_nameToMode>(module, "screenCapture_nameToMode");
+    const auto targetToName = exported<&screenCapture_targetToName>(module, "screenCapture_targetToName");
+    const auto nameToTarget = exported<&screenCapture_nameToTarget>(module, "screenCapture_nameToTarget");
+    ASSERT_TRUE(capture && canCaptureClipboard && modeToName && nameToMode && targetToName && nameToTarget);
+
+    EXPECT_STREQ(modeToName(5), L"userDefinedArea");
+    EXPECT_EQ(modeToName(7), nullptr);
+    EXPECT_EQ(nameToMode(L"activeWindowClient"), 4);
+    EXPECT_STREQ(targetToName(2), L"pdfPrinter");
+    EXPECT_EQ(nameToTarget(L"clipboard"), 1);
+    EXPECT_EQ(nameToTarget(L"Clipboard"), 0);
+
+    // The clipboard mode to the clipboard target needs nobody at the screen: the bitmap is
+    // taken and put back as a new clipboard content, with a note to the user.
+    notifyIcon_setDuration(100);
+    ASSERT_TRUE(putBitmapOnClipboard(createDibSection(4, 4, gradientPattern)));
+    EXPECT_EQ(canCaptureClipboard(), 1);
+    const DWORD sequence = GetClipboardSequenceNumber();
+    capture(6, 1);
+    EXPECT_NE(GetClipboardSequenceNumber(), sequence) << "nothing was put on the clipboard";
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    const PixelGrid onClipboard = readBitmapPixels(static_cast<HBITMAP>(GetClipboardData(CF_BITMAP)));
+    CloseClipboard();
+    ASSERT_EQ(onClipboard.width, 4);
+    for (int i = 0; i < 16; ++i)
+        EXPECT_EQ(onClipboard.pixels[i], gradientPattern(i % 4, i / 4)) << "pixel " << i;
+    EXPECT_TRUE(noteIsOver());
+
+    ASSERT_TRUE(putTextOnClipboard(L"no picture"));
+    EXPECT_EQ(canCaptureClipboard(), 0);
+    FreeLibrary(module);
 }
 
 TEST_F(ScreenCaptureApi, ManyCapturesLeaveNoGdiObjectHandleOrWindowBehind)

@@ -30,7 +30,7 @@ public:
     explicit FakeAssistantWindow(const wchar_t* className)
     {
         WNDCLASSW type = {};
-        type.lpfnWndProc = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT {
+        type.lpfnWndProc = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) CALLBACK -> LRESULT {
             if (message != WM_COPYDATA)
                 return DefWindowProcW(window, message, wParam, lParam);
             const auto* data = reinterpret_cast<const COPYDATASTRUCT*>(lParam);

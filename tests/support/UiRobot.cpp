@@ -35,7 +35,7 @@ bool poll(const std::function<bool()>& done, DWORD timeoutMs, bool pump)
 std::vector<HWND> enumerate(HWND parent)
 {
     std::vector<HWND> windows;
-    const WNDENUMPROC add = [](HWND window, LPARAM list) -> BOOL {
+    const WNDENUMPROC add = [](HWND window, LPARAM list) CALLBACK -> BOOL {
         reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
         return TRUE;
     };

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kUsageError = 2;
 
-std::wstring validNames(const wchar_t* (*nameOf)(int32_t))
+std::wstring validNames(const wchar_t*(SCREENCAPTURE_CALL* nameOf)(int32_t))
 {
     std::wstring list;
     for (int32_t value = 1; value < 100; ++value) {
