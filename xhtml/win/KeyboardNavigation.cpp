@@ -118,8 +118,10 @@ void KeyboardNavigation::watch(const std::vector<HWND>& controls)
             defaultButton_ = control;
     }
     showDefault(GetFocus());
-    if (frame_.handle() && GetActiveWindow() == frame_.handle())
-        restoreFocus();
+    // Without a control to take it, the frame takes the focus itself: a key pressed while
+    // no window has the focus would come as a system key.
+    if (frame_.handle() && GetActiveWindow() == frame_.handle() && !restoreFocus())
+        frame_.setFocus();
 }
 
 bool KeyboardNavigation::onKeyDown(HWND from, WPARAM key, UINT dialogCode)

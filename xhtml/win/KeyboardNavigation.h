@@ -33,7 +33,7 @@ public:
 
     // Takes over the keys of these control windows (children of the frame, in document
     // order) instead of the earlier ones, and shows the default button. An active frame puts
-    // the focus on its first control (without one, the frame keeps it: its keys count too).
+    // the focus on its first control, or on itself without one.
     void watch(const std::vector<HWND>& controls);
 
     // A key pressed in `from` (the frame or one of its controls), which answered `dialogCode`
