@@ -149,107 +149,65 @@ void press(WORD key, const std::function<bool()>& done, const std::string& what,
         throw RobotFailure("after a key press: " + what);
 }
 
-bool dropped(HWND combo)
-{
-    return SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0) != 0;
-}
-
-// The size of the bitmap on the clipboard; 0 x 0 without one.
-SIZE clipboardBitmapSize()
-{
-    BITMAP bitmap = {};
-    if (OpenClipboard(nullptr)) {
-        if (HANDLE data = GetClipboardData(CF_BITMAP))
-            GetObjectW(data, sizeof bitmap, &bitmap);
-        CloseClipboard();
-    }
-    return SIZE{bitmap.bmWidth, bitmap.bmHeight};
-}
-
-// From the mode list at the start: Down chooses "screen", Tab, Down chooses the clipboard,
-// then Tab as often as the case says before Enter.
-TEST_F(CaptureDialog, ArrowsChooseAndEnterStartsTheCaptureWhicheverControlHasTheFocus)
+// The keyboard alone: the focus starts on the mode list, the button is the default, Tab and
+// Shift+Tab cycle; an open list keeps Enter (which keeps the choice, here "screen") and Escape;
+// Down on the target list chooses the clipboard; then the case's Tabs and its last key.
+TEST_F(CaptureDialog, KeysChooseCycleAndStartFromAnyControlWithEnterOrCloseWithEscape)
 {
     InThisProgram run;
     const screenCapture::TrayNote kept = screenCapture::trayNote;
     screenCapture::trayNote = [](const ZString&, const ZString&) {};
     const struct {
-        const char* focused;
+        const char* what;
         int tabs;
-    } cases[] = {{"the target list", 0}, {"the button", 1}, {"the mode list", 2}};
+        WORD last;
+    } cases[] = {{"Enter on the target list", 0, VK_RETURN},
+                 {"Enter on the button", 1, VK_RETURN},
+                 {"Enter on the mode list", 2, VK_RETURN},
+                 {"Escape", 1, VK_ESCAPE}};
     for (const auto& c : cases) {
-        // The markup's own first choices, so that the values stored afterwards are news.
-        ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastMode", 5));
+        ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastMode", 5)); // the markup's first choices
         ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastTarget", 2));
         ASSERT_TRUE(putTextOnClipboard(L"before"));
+        std::vector<std::wstring> afterwards;
         withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
                    [&](HWND dialog) {
                        const std::vector<HWND> lists = children(dialog, L"ComboBox");
-                       if (!pumpUntil([&] { return focusedWindow(dialog) == lists.at(0); }, 5000))
-                           throw RobotFailure("the mode list has no focus");
+                       const std::vector<HWND> buttons = children(dialog, L"Button");
+                       const auto focusOn = [&](HWND on) { return [=] { return focusedWindow(dialog) == on; }; };
+                       if (!pumpUntil(focusOn(lists.at(0)), 5000) || buttons.size() != 1
+                           || !(SendMessageW(buttons[0], WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON))
+                           throw RobotFailure("no focus on the mode list, or no default button");
+                       for (HWND next : {lists[1], buttons[0], lists[0]})
+                           press(VK_TAB, focusOn(next), "Tab");
+                       for (HWND previous : {buttons[0], lists[1], lists[0]})
+                           press(VK_TAB, focusOn(previous), "Shift+Tab", true);
+                       const auto open = [&] { return SendMessageW(lists[0], CB_GETDROPPEDSTATE, 0, 0) != 0; };
                        const std::wstring screen = text(L"screen-capture/mode/screen");
+                       press(VK_F4, open, "the mode list opens");
                        press(VK_DOWN, [&] { return windowText(lists[0]) == screen; }, "screen chosen");
-                       press(VK_TAB, [&] { return focusedWindow(dialog) == lists[1]; }, "on the target list");
+                       press(VK_RETURN, [&] { return !open(); }, "Enter closes the list");
+                       press(VK_F4, open, "the dialog is still there");
+                       press(VK_ESCAPE, [&] { return !open(); }, "Escape closes the list");
+                       press(VK_TAB, focusOn(lists[1]), "the dialog is still there");
                        const std::wstring clipboard = text(L"screen-capture/target/copy-to-clipboard");
                        press(VK_DOWN, [&] { return windowText(lists[1]) == clipboard; }, "clipboard chosen");
                        for (int i = 0; i < c.tabs; ++i)
                            pressKey(VK_TAB);
-                       pressKey(VK_RETURN);
+                       pressKey(c.last);
                    },
-                   false);
-        EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", kUnwritten), 1u) << c.focused;
-        EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", kUnwritten), 1u) << c.focused;
-        const SIZE picture = clipboardBitmapSize();
-        EXPECT_EQ(picture.cx, GetSystemMetrics(SM_CXSCREEN)) << c.focused << ": the screen is on the clipboard";
-        EXPECT_EQ(picture.cy, GetSystemMetrics(SM_CYSCREEN)) << c.focused;
+                   false, [&] {
+                       Sleep(400); // the capture has begun by now
+                       for (HWND window : processWindows())
+                           afterwards.push_back(windowClass(window) + L" " + windowText(window));
+                   });
+        const bool started = c.last == VK_RETURN;
+        EXPECT_TRUE(afterwards.empty()) << c.what << ": no message box, overlay or other window";
+        EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", 0), started ? 1u : 5u) << c.what;
+        EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", 0), started ? 1u : 2u) << c.what;
+        EXPECT_EQ(clipboardFormats().front(), static_cast<UINT>(started ? CF_BITMAP : CF_UNICODETEXT)) << c.what;
     }
     screenCapture::trayNote = kept;
-}
-
-// An open list keeps Enter and Escape for itself; Escape on the closed lists then closes the
-// dialog, and the choice made meanwhile is neither stored nor captured.
-TEST_F(CaptureDialog, TabCyclesAndEscapeClosesButAnOpenListKeepsEnterAndEscape)
-{
-    ASSERT_TRUE(putTextOnClipboard(L"before"));
-    std::vector<std::wstring> afterwards;
-    withDialog([] { screenCapture::capture(screenCapture::noMode, screenCapture::toClipboard); },
-               [&](HWND dialog) {
-                   const std::vector<HWND> lists = children(dialog, L"ComboBox");
-                   const std::vector<HWND> buttons = children(dialog, L"Button");
-                   if (!pumpUntil([&] { return focusedWindow(dialog) == lists.at(0); }, 5000))
-                       throw RobotFailure("the mode list has no focus");
-                   if (buttons.size() != 1 || !(SendMessageW(buttons[0], WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON))
-                       throw RobotFailure("the start button is not the default button");
-                   const struct {
-                       bool shift;
-                       HWND focused;
-                   } cycle[] = {{false, lists[1]}, {false, buttons[0]}, {false, lists[0]},
-                                {true, buttons[0]}, {true, lists[1]},   {true, lists[0]}};
-                   for (const auto& step : cycle)
-                       press(VK_TAB, [&] { return focusedWindow(dialog) == step.focused; }, "Tab order",
-                             step.shift);
-
-                   const std::wstring screen = text(L"screen-capture/mode/screen");
-                   press(VK_F4, [&] { return dropped(lists[0]); }, "the mode list open");
-                   press(VK_DOWN, [&] { return windowText(lists[0]) == screen; }, "screen chosen");
-                   press(VK_RETURN, [&] { return !dropped(lists[0]); }, "Enter closes the list");
-                   press(VK_F4, [&] { return dropped(lists[0]); }, "the mode list open again");
-                   press(VK_ESCAPE, [&] { return !dropped(lists[0]); }, "Escape closes the list");
-                   // Keys are handled in order, so the dialog would be gone by now.
-                   press(VK_TAB, [&] { return focusedWindow(dialog) == lists[1]; }, "still open");
-                   if (windowText(lists[0]) != screen)
-                       throw RobotFailure("the choice made in the open list was not kept");
-                   pressKey(VK_ESCAPE);
-               },
-               false, [&] {
-                   Sleep(400); // a capture would have begun by now
-                   for (HWND window : processWindows())
-                       afterwards.push_back(windowClass(window) + L" " + windowText(window));
-               });
-    EXPECT_TRUE(afterwards.empty()) << "no message box, overlay or other window";
-    EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", kUnwritten), kUnwritten);
-    EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", kUnwritten), kUnwritten);
-    EXPECT_EQ(clipboardFormats().front(), static_cast<UINT>(CF_UNICODETEXT)) << "nothing captured";
 }
 
 } // namespace
