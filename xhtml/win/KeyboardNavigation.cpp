@@ -6,6 +6,28 @@ namespace xhtml {
 
 namespace {
 
+enum class KeyAction { none, nextControl, previousControl, pressDefault, close };
+
+// What `key` (a virtual-key code) means in a frame whose focused window answers `dialogCode`
+// to WM_GETDLGCODE for that key.
+KeyAction keyAction(WPARAM key, UINT dialogCode, bool shift)
+{
+    if (dialogCode & DLGC_WANTMESSAGE)
+        return KeyAction::none;
+    switch (key) {
+    case VK_TAB:
+        if (dialogCode & DLGC_WANTTAB)
+            return KeyAction::none;
+        return shift ? KeyAction::previousControl : KeyAction::nextControl;
+    case VK_RETURN:
+        return KeyAction::pressDefault;
+    case VK_ESCAPE:
+        return KeyAction::close;
+    default:
+        return KeyAction::none;
+    }
+}
+
 bool shiftDown()
 {
     return GetKeyState(VK_SHIFT) < 0;
@@ -30,24 +52,6 @@ void setDefaultLook(HWND button, bool isDefault)
 }
 
 } // namespace
-
-KeyAction keyAction(WPARAM key, UINT dialogCode, bool shift)
-{
-    if (dialogCode & DLGC_WANTMESSAGE)
-        return KeyAction::none;
-    switch (key) {
-    case VK_TAB:
-        if (dialogCode & DLGC_WANTTAB)
-            return KeyAction::none;
-        return shift ? KeyAction::previousControl : KeyAction::nextControl;
-    case VK_RETURN:
-        return KeyAction::pressDefault;
-    case VK_ESCAPE:
-        return KeyAction::close;
-    default:
-        return KeyAction::none;
-    }
-}
 
 // Subclasses one control: its keys go to the navigation first, and it reports getting the
 // focus. The window belongs to NativeControls; this object only lets go of it.

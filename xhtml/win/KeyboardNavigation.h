@@ -17,12 +17,6 @@
 
 namespace xhtml {
 
-enum class KeyAction { none, nextControl, previousControl, pressDefault, close };
-
-// What `key` (a virtual-key code) means in a frame whose focused window answers `dialogCode`
-// to WM_GETDLGCODE for that key.
-KeyAction keyAction(WPARAM key, UINT dialogCode, bool shift);
-
 class KeyboardNavigation {
 public:
     // `frame` is the window whose controls these are; it must outlive this object.
