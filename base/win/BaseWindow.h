@@ -117,6 +117,13 @@ protected:
     {
         return defaultProc(message, wParam, lParam);
     }
+    // The procedure the window had before this object attached itself (a control's own
+    // procedure, for an object that subclasses a control); DefWindowProcW when there was none.
+    virtual LRESULT keptProc(UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        return keptProc_ ? CallWindowProcW(keptProc_, handle_, message, wParam, lParam)
+                         : DefWindowProcW(handle_, message, wParam, lParam);
+    }
 
 private:
     struct LifeWatch;

@@ -1,6 +1,6 @@
 // The capture dialog as the user meets it: capture(0, ...) shows it, it starts from the
 // stored choice, "start" stores the choice and runs the capture after the dialog has gone,
-// and closing it does nothing.
+// and closing it does nothing. The keyboard alone does all of it too.
 
 #include "companions/language/Language.h"
 #include "companions/settings/Settings.h"
@@ -139,6 +139,75 @@ TEST_F(CaptureDialog, StartStoresTheChoiceAndCapturesAfterTheDialogHasGone)
     EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", kUnwritten), 1u);
     ASSERT_EQ(notes.size(), 1u) << "the screen went to the clipboard";
     EXPECT_GE(std::chrono::duration_cast<std::chrono::milliseconds>(notes[0] - gone).count(), 250);
+}
+
+// Presses a key in the dialog (from the robot) and waits until `done` holds.
+void press(WORD key, const std::function<bool()>& done, const std::string& what, bool shift = false)
+{
+    pressKey(key, shift);
+    if (!pumpUntil(done, 5000))
+        throw RobotFailure("after a key press: " + what);
+}
+
+// The keyboard alone: the focus starts on the mode list, the button is the default, Tab and
+// Shift+Tab cycle; an open list keeps Enter (which keeps the choice, here "screen") and Escape;
+// Down on the target list chooses the clipboard; then the case's Tabs and its last key.
+TEST_F(CaptureDialog, KeysChooseCycleAndStartFromAnyControlWithEnterOrCloseWithEscape)
+{
+    InThisProgram run;
+    const screenCapture::TrayNote kept = screenCapture::trayNote;
+    screenCapture::trayNote = [](const ZString&, const ZString&) {};
+    const struct {
+        const char* what;
+        int tabs;
+        WORD last;
+    } cases[] = {{"Enter on the target list", 0, VK_RETURN},
+                 {"Enter on the button", 1, VK_RETURN},
+                 {"Enter on the mode list", 2, VK_RETURN},
+                 {"Escape", 1, VK_ESCAPE}};
+    for (const auto& c : cases) {
+        ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastMode", 5)); // the markup's first choices
+        ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastTarget", 2));
+        ASSERT_TRUE(putTextOnClipboard(L"before"));
+        std::vector<std::wstring> afterwards;
+        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
+                   [&](HWND dialog) {
+                       const std::vector<HWND> lists = children(dialog, L"ComboBox");
+                       const std::vector<HWND> buttons = children(dialog, L"Button");
+                       const auto focusOn = [&](HWND on) { return [=] { return focusedWindow(dialog) == on; }; };
+                       if (!pumpUntil(focusOn(lists.at(0)), 5000) || buttons.size() != 1
+                           || !(SendMessageW(buttons[0], WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON))
+                           throw RobotFailure("no focus on the mode list, or no default button");
+                       for (HWND next : {lists[1], buttons[0], lists[0]})
+                           press(VK_TAB, focusOn(next), "Tab");
+                       for (HWND previous : {buttons[0], lists[1], lists[0]})
+                           press(VK_TAB, focusOn(previous), "Shift+Tab", true);
+                       const auto open = [&] { return SendMessageW(lists[0], CB_GETDROPPEDSTATE, 0, 0) != 0; };
+                       const std::wstring screen = text(L"screen-capture/mode/screen");
+                       press(VK_F4, open, "the mode list opens");
+                       press(VK_DOWN, [&] { return windowText(lists[0]) == screen; }, "screen chosen");
+                       press(VK_RETURN, [&] { return !open(); }, "Enter closes the list");
+                       press(VK_F4, open, "the dialog is still there");
+                       press(VK_ESCAPE, [&] { return !open(); }, "Escape closes the list");
+                       press(VK_TAB, focusOn(lists[1]), "the dialog is still there");
+                       const std::wstring clipboard = text(L"screen-capture/target/copy-to-clipboard");
+                       press(VK_DOWN, [&] { return windowText(lists[1]) == clipboard; }, "clipboard chosen");
+                       for (int i = 0; i < c.tabs; ++i)
+                           pressKey(VK_TAB);
+                       pressKey(c.last);
+                   },
+                   false, [&] {
+                       Sleep(400); // the capture has begun by now
+                       for (HWND window : processWindows())
+                           afterwards.push_back(windowClass(window) + L" " + windowText(window));
+                   });
+        const bool started = c.last == VK_RETURN;
+        EXPECT_TRUE(afterwards.empty()) << c.what << ": no message box, overlay or other window";
+        EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", 0), started ? 1u : 5u) << c.what;
+        EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", 0), started ? 1u : 2u) << c.what;
+        EXPECT_EQ(clipboardFormats().front(), static_cast<UINT>(started ? CF_BITMAP : CF_UNICODETEXT)) << c.what;
+    }
+    screenCapture::trayNote = kept;
 }
 
 } // namespace

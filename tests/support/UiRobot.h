@@ -52,6 +52,11 @@ void pressButton(HWND dialog, int controlId);
 // The first descendant of `parent` with this class (empty: any) and id (-1: any).
 HWND findDescendant(HWND parent, const std::wstring& className, int controlId = -1);
 void typeText(HWND edit, const std::wstring& text);
+// Presses and releases a key on the keyboard (SendInput), with Shift held if asked; the
+// focused window of the foreground window's thread gets it.
+void pressKey(WORD key, bool shift = false);
+// The window with the keyboard focus in `window`'s thread, asked from any thread.
+HWND focusedWindow(HWND window);
 std::wstring windowText(HWND window);
 std::wstring windowClass(HWND window);
 // Visible top-level windows of this process.

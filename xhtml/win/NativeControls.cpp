@@ -162,6 +162,14 @@ HWND NativeControls::windowOf(const View& view) const
     return nullptr;
 }
 
+std::vector<HWND> NativeControls::windows() const
+{
+    std::vector<HWND> all;
+    for (const Entry& entry : entries_)
+        all.push_back(entry.window);
+    return all;
+}
+
 void NativeControls::showSelection(const View& select)
 {
     HWND window = windowOf(select);

@@ -35,6 +35,8 @@ public:
     // Shows the model's selection in the select's window, without a change notification.
     void showSelection(const View& select);
     HWND windowOf(const View& view) const;
+    // All the windows, in document order.
+    std::vector<HWND> windows() const;
     // Reads what the user has done to the window into the view's model.
     void readBack(View& view);
 

@@ -83,6 +83,8 @@ void XhtmlFrameView::setMarkup(const ZString& text, const ZString& baseAddress)
         controls_->rebuild(views_);
     }
     relayout();
+    if (controls_)
+        keys_.watch(controls_->windows()); // after the layout, which shows the windows
 }
 
 void XhtmlFrameView::setAxisMode(int axisMask, int mode)
@@ -310,6 +312,19 @@ LRESULT XhtmlFrameView::handleMessage(UINT message, WPARAM wParam, LPARAM lParam
         killTimer(kFitTimer);
         fitPending_ = false;
         fitToContent();
+        return 0;
+    case WM_SETFOCUS:
+        if (keys_.restoreFocus())
+            return 0;
+        break;
+    case WM_KEYDOWN:
+        if (keys_.onKeyDown(handle(), wParam, 0))
+            return 0;
+        break;
+    case WM_NEXTDLGCTL: // a text area in dialog mode sends it for Tab, in its flag form
+        if (LOWORD(lParam))
+            break;
+        keys_.moveFocus(GetFocus(), wParam != 0);
         return 0;
     case WM_COMMAND:
         if (controls_ && controls_->onCommand(wParam, lParam, context_.buttonListener()))

@@ -3,10 +3,11 @@
 // markup document, laid out and painted by the toolkit, with native child windows for its
 // form controls. It can size itself to its content per axis, fitting at once or deferred
 // (one fit, 100 ms after a burst of changes), and runs a modal loop through the window base.
-// Its text filter (MarkupTextFilter) sees every markup text before it is parsed.
+// Its text filter (MarkupTextFilter) sees every markup text before it is parsed. Its keyboard
+// is a dialog box's: Tab order, default button, Escape closes (KeyboardNavigation).
 //
 // Painting, mouse states and links live here; building, styling and layout in ViewTree,
-// controls in NativeControls, drawing in GdiCanvas.
+// controls in NativeControls, keys and focus in KeyboardNavigation, drawing in GdiCanvas.
 
 #include "base/win/BaseWindow.h"
 #include "xhtml/HtmlDocument.h"
@@ -14,6 +15,7 @@
 #include "xhtml/view/ViewTree.h"
 #include "xhtml/win/FontCache.h"
 #include "xhtml/win/ImageCache.h"
+#include "xhtml/win/KeyboardNavigation.h"
 #include "xhtml/win/NativeControls.h"
 
 #include <memory>
@@ -84,6 +86,7 @@ private:
     HtmlDocument document_;
     ViewTree views_;
     std::unique_ptr<NativeControls> controls_;
+    KeyboardNavigation keys_{*this};
 
     int axisMode_[2] = {0, 0};
     bool sizeToWidth_ = false;
