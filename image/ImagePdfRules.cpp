@@ -16,6 +16,8 @@ namespace imageToPdf {
 namespace {
 
 constexpr double kA4LongSide = 842.0;
+// 2^31: the first whole number of points that a 32-bit page side cannot hold.
+constexpr double kIntLimit = 2147483648.0;
 
 uint8_t red(uint32_t argb) { return static_cast<uint8_t>(argb >> 16); }
 uint8_t green(uint32_t argb) { return static_cast<uint8_t>(argb >> 8); }
@@ -74,8 +76,11 @@ std::string upperHex(const std::string& bytes)
 
 } // namespace
 
-PageSize pageSize(uint32_t widthPx, uint32_t heightPx, int dpi, bool optForA4)
+std::optional<PageSize> pageSize(uint32_t widthPx, uint32_t heightPx, int dpi, bool optForA4)
 {
+    // A configured DWORD above 0x7FFFFFFF arrives here as a negative dpi.
+    if (dpi <= 0)
+        return std::nullopt;
     double width = widthPx / static_cast<double>(dpi) * 72.0;
     double height = heightPx / static_cast<double>(dpi) * 72.0;
     const double longer = std::max(width, height);
@@ -83,7 +88,9 @@ PageSize pageSize(uint32_t widthPx, uint32_t heightPx, int dpi, bool optForA4)
         width *= kA4LongSide / longer;
         height *= kA4LongSide / longer;
     }
-    return {static_cast<int>(width), static_cast<int>(height)};
+    if (width >= kIntLimit || height >= kIntLimit)
+        return std::nullopt;
+    return PageSize{static_cast<int>(width), static_cast<int>(height)};
 }
 
 std::string contentStream(double width, double height, double x, double y, const std::string& name)

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,8 +24,9 @@ struct PageSize {
 };
 
 // pixels / dpi * 72; with optForA4 a longer side above 842 points is brought down to 842
-// (the other side in proportion). Always truncated to whole points.
-PageSize pageSize(uint32_t widthPx, uint32_t heightPx, int dpi, bool optForA4);
+// (the other side in proportion). Always truncated to whole points. None for a dpi of 0 or
+// below, and when a side would not fit a 32-bit integer: no page can be made then.
+std::optional<PageSize> pageSize(uint32_t widthPx, uint32_t heightPx, int dpi, bool optForA4);
 
 // The four lines that draw XObject `name` over width x height points at (x, y):
 // "q", "<w> 0 0 <h> <x> <y> cm", "/<name> Do", "Q", each ended by CR LF.

@@ -176,6 +176,9 @@ bool ImageToPdf::convert(const ConversionOptions& options, Gdiplus::Image& image
         facts.width = image.GetWidth();
         facts.height = image.GetHeight();
     }
+    const std::optional<PageSize> page = pageSize(facts.width, facts.height, options.dpi, options.optForA4);
+    if (!page)
+        return false;
     // Only a JPEG's file is of use: its bytes may pass through, its size bounds a new encoding.
     std::optional<std::string> file = facts.isJpeg ? readWholeFile(sourcePath) : std::nullopt;
     const int64_t fileSize = file ? static_cast<int64_t>(file->size()) : -1;
@@ -201,9 +204,8 @@ bool ImageToPdf::convert(const ConversionOptions& options, Gdiplus::Image& image
     }
 
     const zpdf::Ptr<zpdf::Reference> imageObject = document.add(imageStream(facts, std::move(*embedding)));
-    const PageSize page = pageSize(facts.width, facts.height, options.dpi, options.optForA4);
-    auto contents = zpdf::make<zpdf::Stream>(contentStream(page.width, page.height, 0, 0, kImageName));
-    document.addPage(page.width, page.height, resourcesWith(imageObject), contents);
+    auto contents = zpdf::make<zpdf::Stream>(contentStream(page->width, page->height, 0, 0, kImageName));
+    document.addPage(page->width, page->height, resourcesWith(imageObject), contents);
     return true;
 }
 

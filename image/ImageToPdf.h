@@ -37,7 +37,8 @@ public:
 
     // Adds a page with `image` to `document`. `sourcePath` names the file the image came
     // from, empty for a picture made in memory. May rotate `image` as its orientation asks.
-    // False when no page could be made (no JPEG encoder); PDF errors are thrown as
+    // False when no page could be made: a resolution that gives no page size (see
+    // pageSize), or no JPEG encoder. PDF errors are thrown as
     // zpdf::PdfException.
     bool convert(const ConversionOptions& options, Gdiplus::Image& image, const std::wstring& sourcePath,
                  zpdf::Document& document) const;

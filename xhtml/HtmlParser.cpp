@@ -215,7 +215,8 @@ private:
     }
 
     // An end tag closes the current element only; any other end tag is dropped, so it
-    // never closes an outer element. The root's empty name is never closed by "</>".
+    // never closes an outer element. An empty name ("</>", "</ p>") closes an element whose
+    // name is empty: the root, after which the rest of the text is not read.
     //
     // end-tag := "</" { any but white space and ">" } { any } ">"
     void readEndTagOf(HtmlTagNode& current)
@@ -224,7 +225,7 @@ private:
         const ZChar* nameStart = p_;
         while (*p_ && !isSpace(*p_) && *p_ != '>')
             ++p_;
-        const bool closes = p_ != nameStart && isNameNoCase(nameStart, p_, current.name());
+        const bool closes = isNameNoCase(nameStart, p_, current.name());
         while (*p_ && *p_ != '>')
             ++p_;
         if (*p_)

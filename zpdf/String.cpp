@@ -15,7 +15,7 @@ String::String(std::string_view bytes, StringMode mode) : Object(Type::String)
         serialized_.reserve(bytes.size() + 2);
         serialized_.append(1, '<').append(bytes).append(1, '>');
         break;
-    case StringMode::raw:
+    default: // raw, and every value without a meaning of its own
         serialized_.assign(bytes);
         break;
     }

@@ -18,6 +18,7 @@ enum class StringMode : int {
     raw = 1,
     // "<" bytes ">"; the bytes are hexadecimal digits already.
     hex = 2,
+    // Any other value keeps the bytes unchanged, as raw does.
 };
 
 class String : public Object {

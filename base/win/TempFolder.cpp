@@ -63,15 +63,18 @@ ZString tempPathFromSystem()
     return length >= 1 && length < kTempPathBufferSize ? ZString(buffer.data()) : ZString();
 }
 
-// Unquoted, "." and ".." resolved where the path fits the helpers' MAX_PATH buffer, and
+// Absolute against the current folder as it is now, so that every path made from it is
+// still right in a program started in another folder; unquoted, "." and ".." resolved, and
 // without the trailing backslash that GetTempPathW adds (a root such as "C:\" keeps it).
 ZString normalisedFolder(const ZString& candidate)
 {
     std::vector<wchar_t> path(candidate.c_str(), candidate.c_str() + candidate.length() + 1);
     PathUnquoteSpacesW(path.data());
-    wchar_t canonical[MAX_PATH] = {};
-    if (wcslen(path.data()) < MAX_PATH && PathCanonicalizeW(canonical, path.data()))
-        path.assign(canonical, canonical + wcslen(canonical) + 1);
+    const DWORD size = GetFullPathNameW(path.data(), 0, nullptr, nullptr);
+    std::vector<wchar_t> full(size + 1);
+    const DWORD length = size ? GetFullPathNameW(path.data(), size, full.data(), nullptr) : 0;
+    if (length > 0 && length < size)
+        path.swap(full);
     PathRemoveBackslashW(path.data());
     return ZString(path.data());
 }
@@ -122,14 +125,14 @@ ZString systemTempFolder()
     const ZString candidates[] = {tempPathFromSystem(), environmentVariable(L"TMP"), environmentVariable(L"TEMP"),
                                   environmentVariable(L"TMPDIR")};
     for (const ZString& candidate : candidates) {
-        // An empty candidate would normalise to the drive root, which always exists.
+        // An empty candidate would normalise to the current folder, which always exists.
         if (candidate.trim().isEmpty())
             continue;
         const ZString folder = normalisedFolder(candidate.trim());
         if (exists(folder))
             return folder;
     }
-    return L".";
+    return normalisedFolder(L".");
 }
 
 // isWritable creates a missing candidate itself, so each one is only tested.

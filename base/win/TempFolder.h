@@ -18,7 +18,8 @@ struct TempFolderError : std::runtime_error {
 ZString joinPath(const ZString& folder, const ZString& name);
 
 // The first existing one of: GetTempPathW, %TMP%, %TEMP%, %TMPDIR%; else "." (the
-// current folder). Without a trailing backslash.
+// current folder). Each made absolute against the current folder at the time of the call,
+// and without a trailing backslash.
 ZString systemTempFolder();
 
 // A folder that the current user can write to: "Pryxa", else "Pryxa_1" to "Pryxa_99",

@@ -18,40 +18,16 @@
 
 namespace {
 
-// Sets TMP, TEMP and TMPDIR (empty: removed). TMPDIR is put back here, the others by
-// ScratchEnvironment.
-struct TempVariables {
-    TempVariables(const ZString& tmp, const ZString& temp, const ZString& tmpdir)
-    {
-        hadTmpdir = GetEnvironmentVariableW(L"TMPDIR", savedTmpdir, 32767) > 0;
-        const std::pair<const wchar_t*, ZString> values[] = {{L"TMP", tmp}, {L"TEMP", temp}, {L"TMPDIR", tmpdir}};
-        for (const auto& [name, value] : values)
-            SetEnvironmentVariableW(name, value.isEmpty() ? nullptr : value.c_str());
-    }
-    ~TempVariables() { SetEnvironmentVariableW(L"TMPDIR", hadTmpdir ? savedTmpdir : nullptr); }
-    wchar_t savedTmpdir[32767] = {};
-    bool hadTmpdir = false;
-};
-
-// Changes the current folder and changes it back.
-struct CurrentFolder {
-    explicit CurrentFolder(const ZString& folder)
-    {
-        GetCurrentDirectoryW(MAX_PATH, saved);
-        changed = SetCurrentDirectoryW(folder.c_str()) != FALSE;
-    }
-    ~CurrentFolder() { SetCurrentDirectoryW(saved); }
-    wchar_t saved[MAX_PATH] = {};
-    bool changed = false;
-};
-
 // A folder that exists but where nobody can create anything, not even root: under Wine
 // the drive Z: is the Unix root, and the kernel refuses new entries in /proc.
 const ZString kUnwritableFolder = L"Z:\\proc";
 
 } // namespace
 
-TEST(SystemTempFolder, TakesTheFirstCandidateThatExistsElseTheCurrentFolder)
+// Every candidate, the current folder included, is made absolute against the current
+// folder at the time of the call, so that paths made from it can be handed to programs
+// started elsewhere.
+TEST(SystemTempFolder, TakesTheFirstCandidateThatExistsElseTheCurrentFolderAlwaysAbsolute)
 {
     ScratchEnvironment scratch;
     const ZString first = scratch.folder() + L"\\first";
@@ -59,6 +35,9 @@ TEST(SystemTempFolder, TakesTheFirstCandidateThatExistsElseTheCurrentFolder)
     const ZString missing = scratch.folder() + L"\\missing";
     ASSERT_TRUE(createFolderTree(first));
     ASSERT_TRUE(createFolderTree(second));
+    const ZString current = scratch.folder() + L"\\current";
+    ASSERT_TRUE(createFolderTree(current + L"\\relative"));
+    ASSERT_TRUE(scratch.useCurrentFolder(current));
     // GetTempPathW follows TMP without checking that it exists, so a missing TMP makes the
     // variables be tried one by one; a TMP longer than MAX_PATH makes GetTempPathW fail.
     const ZString tooLong = missing + L"\\" + ZString(300, L'x');
@@ -66,13 +45,18 @@ TEST(SystemTempFolder, TakesTheFirstCandidateThatExistsElseTheCurrentFolder)
         {missing, first, second, first},
         {missing, missing, second + L"\\sub\\..\\", second},
         {missing, missing, L"\"" + second + L"\"", second},
-        {missing, missing, ZString(), L"."},
-        {tooLong, missing, ZString(), L"."},
+        {missing, missing, L"relative\\", current + L"\\relative"},
+        {missing, L".", second, current},
+        {missing, missing, ZString(), current},
+        {tooLong, missing, ZString(), current},
     };
     for (const auto& c : cases) {
-        TempVariables variables(c[0], c[1], c[2]);
-        EXPECT_EQ(systemTempFolder(), c[3]) << c[0].toUtf8() << " " << c[1].toUtf8() << " " << c[2].toUtf8();
+        scratch.setTempVariables(c[0], c[1], c[2]);
+        EXPECT_EQ(systemTempFolder().toUtf8(), c[3].toUtf8())
+            << c[0].toUtf8() << " " << c[1].toUtf8() << " " << c[2].toUtf8();
     }
+    ASSERT_TRUE(scratch.useCurrentFolder(first));
+    EXPECT_EQ(systemTempFolder().toUtf8(), first.toUtf8()) << "the current folder when asked, not a remembered one";
 }
 
 TEST(IsWritable, CreatesTheFolderAndLeavesNoFileElseFails)
@@ -116,17 +100,14 @@ TEST(ModuleTempFolder, WithoutATempFolderUsesTheCurrentOneElseTellsTheUserAndThr
 {
     ScratchEnvironment scratch;
     const ZString missing = scratch.writeFile(L"plain", "x") + L"\\temp";
-    TempVariables variables(missing, missing, missing);
-    {
-        const ZString current = scratch.folder() + L"\\current";
-        ASSERT_TRUE(createFolderTree(current));
-        CurrentFolder inCurrent(current);
-        ASSERT_TRUE(inCurrent.changed);
-        EXPECT_EQ(moduleTempFolder(), ZString(L".\\Pryxa"));
-        EXPECT_TRUE(PathIsDirectoryW((current + L"\\Pryxa").c_str()));
-    }
-    CurrentFolder inUnwritable(kUnwritableFolder);
-    ASSERT_TRUE(inUnwritable.changed);
+    scratch.setTempVariables(missing, missing, missing);
+    const ZString current = scratch.folder() + L"\\current";
+    ASSERT_TRUE(createFolderTree(current));
+    ASSERT_TRUE(scratch.useCurrentFolder(current));
+    EXPECT_EQ(moduleTempFolder().toUtf8(), (current + L"\\Pryxa").toUtf8());
+    EXPECT_TRUE(PathIsDirectoryW((current + L"\\Pryxa").c_str()));
+
+    ASSERT_TRUE(scratch.useCurrentFolder(kUnwritableFolder));
     const struct {
         std::function<void()> action;
         std::wstring title, text;
@@ -135,7 +116,7 @@ TEST(ModuleTempFolder, WithoutATempFolderUsesTheCurrentOneElseTellsTheUserAndThr
         {[] { moduleTempFolder(); }, L"Temporary files folder not writeable",
          L"The following temporary files folder is not writeable by the current user. Please ensure that the current "
          L"user can create files in that folder by checking permissions. Alternatively, you can try to delete the "
-         L"folder manually.\r\n\r\n.",
+         L"folder manually.\r\n\r\n" + std::wstring(kUnwritableFolder.c_str()),
          "Temporary files folder not writeable"},
         {[&] { reportUnusableTempFolder(missing); }, L"Could not create temporary files folder",
          L"The following temporary files folder does not exist and could not be created by the current user. Please "

@@ -5,24 +5,38 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace imageToPdf {
 namespace {
 
+// Sides are truncated after any A4 scaling. A dpi of 0 or below (a configured DWORD above
+// 0x7FFFFFFF reads as negative) or a side beyond a 32-bit integer gives no page; a huge dpi
+// is valid and gives a page too small to be seen, as the rule says.
 TEST(ImagePdfRules, PageSizeContentStreamAndOrientation)
 {
+    constexpr int none = -1;
+    constexpr uint32_t maxPx = 0xFFFFFFFF;
+    constexpr int maxDpi = std::numeric_limits<int>::max(), minDpi = std::numeric_limits<int>::min();
     const struct {
         uint32_t width, height;
         int dpi;
         bool a4;
-        int pageWidth, pageHeight;
+        int pageWidth, pageHeight; // none: no page
     } sizes[] = {
         {2000, 1000, 96, true, 842, 421}, {2000, 1000, 96, false, 1500, 750}, {1200, 1600, 96, true, 631, 842},
-        {100, 100, 144, true, 50, 50}, {1, 1, 600, false, 0, 0},
+        {100, 100, 144, true, 50, 50}, {1, 1, 600, false, 0, 0}, {1920, 1080, maxDpi, true, 0, 0},
+        {1920, 1080, 0, true, none, none}, {1920, 1080, 0, false, none, none}, {0, 0, 0, false, none, none},
+        {1920, 1080, -1, true, none, none}, {1920, 1080, minDpi, false, none, none},
+        // 2^32 - 1 pixels at 144 dpi are 2147483647.5 points: the largest side there is.
+        {maxPx, 1, 144, false, maxDpi, 0}, {1, maxPx, 72, false, none, none}, {maxPx, maxPx, 1, false, none, none},
+        {0x80000000u, 10, 72, false, none, none}, {maxPx, maxPx / 2, 1, true, 842, 420},
     };
     for (const auto& c : sizes) {
-        const PageSize page = pageSize(c.width, c.height, c.dpi, c.a4);
-        EXPECT_EQ(std::make_pair(page.width, page.height), std::make_pair(c.pageWidth, c.pageHeight))
-            << c.width << "x" << c.height << " at " << c.dpi << (c.a4 ? " A4" : "");
+        const std::optional<PageSize> page = pageSize(c.width, c.height, c.dpi, c.a4);
+        const std::pair<int, int> got = page ? std::make_pair(page->width, page->height) : std::make_pair(none, none);
+        EXPECT_EQ(got, std::make_pair(c.pageWidth, c.pageHeight)) << c.width << "x" << c.height << " at " << c.dpi
+                                                                  << (c.a4 ? " A4" : "");
     }
     EXPECT_EQ(contentStream(1.5, 2.25, -3, 10, "img7"), "q\r\n1.500000 0 0 2.250000 -3.000000 10.000000 cm\r\n/img7 Do\r\nQ\r\n");
 

@@ -259,24 +259,35 @@ bool failingConversion(const imageToPdf::ConversionOptions&, Gdiplus::Image&, zp
     throw zpdf::PdfException("Only GRAY or RGB supported");
 }
 
-TEST_F(Delivery, FailedPdfConversionTellsTheUserAndWritesNoFile)
+// A conversion that fails, or a configured resolution that gives no page (0, or a DWORD that
+// reads as negative): the user is told, and no PDF is written or handed on.
+TEST_F(Delivery, FailedPdfConversionTellsTheUserAndHandsNothingOn)
 {
     FakeAssistantWindow assistant(L"Pryxa_Assistent");
-    const PdfConversion previous = pdfConversion;
-    pdfConversion = failingConversion;
-    MessageBoxInfo box;
-    UiRobot robot([&](UiRobot& r) {
-        HWND found = r.waitForWindow(L"#32770", L"Error");
-        box = readMessageBox(found);
-        pressButton(found, IDOK);
-    });
-    deliver(screen, pdfPrinter, capture);
-    pdfConversion = previous;
-    ASSERT_EQ(robot.finish(), "");
-    EXPECT_EQ(box.text, L"Could not create PDF file");
-    EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONWARNING));
-    EXPECT_TRUE(temporaryPdfs().empty());
-    EXPECT_TRUE(handedOff.empty());
+    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+    const PdfConversion gdiplusConversion = pdfConversion;
+    const struct {
+        PdfConversion conversion;
+        DWORD dpi;
+    } cases[] = {{failingConversion, 144}, {gdiplusConversion, 0}, {gdiplusConversion, 0xFFFFFFFF},
+                 {gdiplusConversion, 0x80000000}};
+    for (const auto& c : cases) {
+        ASSERT_TRUE(program.writeDword(L"Img2PdfDpi", c.dpi));
+        MessageBoxInfo box;
+        UiRobot robot([&](UiRobot& r) {
+            HWND found = r.waitForWindow(L"#32770", L"Error");
+            box = readMessageBox(found);
+            pressButton(found, IDOK);
+        });
+        pdfConversion = c.conversion;
+        deliver(screen, pdfPrinter, capture);
+        pdfConversion = gdiplusConversion;
+        ASSERT_EQ(robot.finish(), "") << "dpi " << c.dpi;
+        EXPECT_EQ(box.text, L"Could not create PDF file") << "dpi " << c.dpi;
+        EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONWARNING));
+        EXPECT_TRUE(temporaryPdfs().empty()) << "dpi " << c.dpi;
+        EXPECT_TRUE(handedOff.empty()) << "dpi " << c.dpi;
+    }
 }
 
 TEST_F(Delivery, RunningDocumentToolGetsThePdfInItsDropFolderOnly)

@@ -3,11 +3,13 @@
 #include "base/win/GdiHandles.h"
 #include "base/win/KernelHandle.h"
 #include "tests/support/ResourceCounters.h"
+#include "tests/support/ScratchEnvironment.h"
 #include "tests/support/UiRobot.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
 
 namespace {
 
@@ -41,6 +43,41 @@ TEST(UiRobot, TimeoutFailsTheScriptAndUnblocksTheModalCall)
     const std::string failure = robot.finish();
     EXPECT_NE(failure.find("no window of class \"#32770\" titled \"A title nobody uses\""), std::string::npos) << failure;
     EXPECT_NE(failure.find("Blocking box"), std::string::npos) << "lists what was visible: " << failure;
+}
+
+// While the test's thread waits in finish(), a failing script can still read the text of
+// that thread's windows, which comes by message, and so ends instead of hanging.
+TEST(UiRobot, FinishAnswersTheScriptWhileItWaits)
+{
+    HWND window = CreateWindowExW(0, L"STATIC", L"Shown by the test", WS_POPUP | WS_VISIBLE, 0, 0, 10, 10, nullptr,
+                                  nullptr, nullptr, nullptr);
+    UiRobot robot([](UiRobot& r) { r.waitForWindow(L"#32770", L"A title nobody uses", 300); });
+    const std::string failure = robot.finish();
+    DestroyWindow(window);
+    EXPECT_NE(failure.find("Shown by the test"), std::string::npos) << failure;
+}
+
+// What a test points elsewhere is put back, so that tests do not depend on each other.
+TEST(ScratchEnvironment, PutsBackTheTemporaryFolderVariablesAndTheCurrentFolder)
+{
+    const auto state = [] {
+        std::wstring text;
+        for (const wchar_t* name : {L"TMP", L"TEMP", L"TMPDIR"}) {
+            wchar_t value[1024] = {};
+            text += name + std::wstring(GetEnvironmentVariableW(name, value, 1024) ? value : L"(unset)") + L";";
+        }
+        wchar_t folder[MAX_PATH] = {};
+        GetCurrentDirectoryW(MAX_PATH, folder);
+        return text + folder;
+    };
+    const std::wstring before = state();
+    {
+        ScratchEnvironment env;
+        env.setTempVariables(L"C:\\a", ZString(), L"C:\\c");
+        ASSERT_TRUE(env.useCurrentFolder(env.folder()));
+        ASSERT_NE(state(), before);
+    }
+    EXPECT_EQ(state(), before);
 }
 
 } // namespace

@@ -80,6 +80,7 @@ UiRobot::UiRobot(Script script)
               for (HWND window : processWindows())
                   PostMessageW(window, WM_CLOSE, 0, 0);
           }
+          ended_ = true;
       })
 {
 }
@@ -91,6 +92,8 @@ UiRobot::~UiRobot()
 
 std::string UiRobot::finish()
 {
+    if (thread_.joinable())
+        poll([this] { return ended_.load(); }, INFINITE, true);
     if (thread_.joinable())
         thread_.join();
     return failure_;

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -25,6 +26,8 @@ public:
     UiRobot& operator=(const UiRobot&) = delete;
 
     // For the test: waits for the script to end; empty when it succeeded, else why not.
+    // Pumps this thread's messages meanwhile: a script that reads the text of this thread's
+    // windows gets it by message, and must not wait on a thread that waits on it.
     std::string finish();
 
     // A visible top-level window of this process (empty: any class or title), else RobotFailure.
@@ -36,6 +39,7 @@ public:
 
 private:
     std::string failure_; // before thread_, which writes it
+    std::atomic<bool> ended_{false};
     std::thread thread_;
 };
 

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <initializer_list>
 #include <iterator>
 #include <random>
@@ -66,14 +67,15 @@ const char* const fragments[] = {
     "<", ">", "/", "/>", "!", "<!--", "-->", "--", "<!", "</", "<b>", "</b>", "<i ", "</i>", "<B", "</B ",
     "<div class=\"x y\">", "</div>", "<img src=a.png>", "<br/>", "<textarea>", "</textarea>", "<style>",
     "</STYLE>", "</style", "=", "\"", "'", " ", "\t", "\r\n", "a", "x", "1", "value", "title", "<p", "</p>",
-    "&amp;", "&#65;", "&", ";", "\xC3\xA9", "\xC3\x89", "\xE4\xB8\xAD", "<\xC3\xA9>", "< ", "<1", "</>",
+    "&amp;", "&#65;", "&", ";", "\xC3\xA9", "\xC3\x89", "\xE4\xB8\xAD", "<\xC3\xA9>", "< ", "<1", "</>", "</ p>",
     "<input value=\" a \">", "<a b='c'>", "<a b=\"c>d\">",
 };
 
 // The flat reading. A comment runs to "-->", a tag from "<" to the first ">" (attribute
 // values stop there even inside quotes), either to the end if unclosed. A start tag ending
 // in "/>" is empty; any other opens an element, which an end tag of its name closes (an end
-// tag never closes an outer element). textarea and style hold all up to "</" and their name.
+// tag never closes an outer element; an empty name closes the root). textarea and style
+// hold all up to "</" and their name.
 void readFlat(const ZString& s, HtmlTagNode& root)
 {
     const int n = s.length();
@@ -96,8 +98,10 @@ void readFlat(const ZString& s, HtmlTagNode& root)
             const ZString name = s.substring(nameStart, q - nameStart).toLower();
             p = after(ZString(u">"), p);
             if (endTag) {
-                if (!name.isEmpty() && name == open.back()->name())
+                if (name == open.back()->name())
                     open.pop_back();
+                if (open.empty())
+                    break; // the root is closed: the rest is not read
                 continue;
             }
             auto* element = static_cast<HtmlTagNode*>(open.back()->appendChild(std::make_unique<HtmlTagNode>(name)));
@@ -148,6 +152,57 @@ TEST(HtmlParser, TagsAndAttributes)
         {"<a b=", "a(b=[])"},
         {"<input VALUE=\" a \" name=\" a \" values=\" a \">", "input(value=[ a ] name=[a] values=[a])"}, // only "value" keeps its spaces
     });
+}
+
+// An end tag's name is compared with its parent's as it stands, so an empty one closes the
+// root, which has an empty name; what follows is left unread. Anywhere else it is dropped.
+TEST(HtmlParser, EndTagWithAnEmptyNameClosesTheRoot)
+{
+    const struct {
+        const char* markup;
+        const char* tree;
+        const char* rest; // what parse leaves unread
+    } cases[] = {
+        {"a</>b", R"("a")", "b"},
+        {"a</ p>b<i>c</i>", R"("a")", "b<i>c</i>"},
+        {"a</\tdiv\r\n>b", R"("a")", "b"},
+        {"</>", "", ""},
+        {"a</x>b</ >c", R"("a" "b")", "c"},
+        {"<b><i>x</></ i></i></b>y</>z", R"(b{i{"x"}} "y")", "z"},
+        {"<p>x</>y", R"(p{"x" "y"})", ""},
+        {"<textarea>x</>y</textarea>z</>", R"(textarea{"x</>y"} "z")", ""},
+        {"<style>x</ style>y</style>z", R"(style{"x</ style>y"} "z")", ""},
+        {"a</", R"("a")", ""},
+    };
+    for (const auto& c : cases) {
+        const ZString text = ZString::fromUtf8(c.markup);
+        HtmlTagNode root;
+        const ZChar* stop = HtmlParser::parse(&root, text.c_str());
+        EXPECT_EQ(contentText(root), c.tree) << c.markup;
+        ASSERT_NE(stop, nullptr) << c.markup;
+        EXPECT_EQ(ZString(stop).toUtf8(), c.rest) << c.markup;
+    }
+    // An element with a name is never closed by an empty one.
+    HtmlTagNode div(ZString(u"div"));
+    const ZString inDiv(u"x</>y</ div>z");
+    EXPECT_EQ(ZString(HtmlParser::parse(&div, inDiv.c_str())).toUtf8(), "");
+    EXPECT_EQ(contentText(div), R"("x" "y" "z")");
+}
+
+// The dialog's own markup has no such end tag: the whole text is read, so its tree is as
+// it always was.
+TEST(HtmlParser, CaptureDialogMarkupIsReadToItsEnd)
+{
+    std::ifstream file(CAPTURE_UI_MARKUP, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    ASSERT_FALSE(bytes.empty()) << CAPTURE_UI_MARKUP;
+    const ZString text = ZString::fromUtf8(bytes);
+    HtmlTagNode root;
+    EXPECT_EQ(HtmlParser::parse(&root, text.c_str()), text.c_str() + text.length());
+    ASSERT_FALSE(root.children().empty());
+    const HtmlNode& body = *root.children().front();
+    ASSERT_TRUE(body.isTag());
+    EXPECT_EQ(static_cast<const HtmlTagNode&>(body).name(), ZString(u"body"));
 }
 
 TEST(HtmlParser, MillionNestedElementsParseAndDeleteWithoutRecursion)

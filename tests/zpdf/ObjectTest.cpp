@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <limits>
 #include <thread>
 #include <vector>
 
@@ -38,8 +39,6 @@ TEST(Object, Serialisation)
         {make<Number>(2.5, "%.3f"), "2.500"},
         // U+10FFFF, outside the Basic Multilingual Plane, takes a surrogate pair.
         {make<String>(ZString()), "()"}, {make<String>(ZString(u"\u00e9\U0010FFFF")), "<FEFF00e9dbffdfff>"},
-        {make<String>("a(b\\", StringMode::literal), "(a(b\\)"}, {make<String>("4142", StringMode::hex), "<4142>"},
-        {make<String>("(kept)", StringMode::raw), "(kept)"},
         {arrayOf({make<Number>(1), names::Type(), nullptr, make<Null>(), arrayOf({make<Bool>(true), make<Bool>(false)}),
                   make<Reference>(12, 0)}),
          "[1 /Type null null [true false] 12 0 R]"},
@@ -47,6 +46,22 @@ TEST(Object, Serialisation)
     };
     for (const auto& c : cases)
         EXPECT_EQ(written(*c.object), c.text);
+}
+
+// Only literal (0) and hex (2) add brackets; every other mode keeps the bytes as given,
+// including values that name no mode. Literal escapes nothing.
+TEST(Object, StringModes)
+{
+    const struct { int mode; const char* bytes; const char* text; } cases[] = {
+        {0, "a(b\\", "(a(b\\)"}, {0, "", "()"}, {1, "(kept)", "(kept)"}, {2, "4142", "<4142>"}, {2, "", "<>"},
+        {3, "<4142>", "<4142>"}, {1000000, "(x) y", "(x) y"}, {std::numeric_limits<int>::max(), "z", "z"},
+        {-1, "(neg)", "(neg)"}, {std::numeric_limits<int>::min(), "", ""},
+    };
+    for (const auto& c : cases) {
+        const Ptr<String> string = make<String>(c.bytes, static_cast<StringMode>(c.mode));
+        EXPECT_EQ(written(*string), c.text) << "mode " << c.mode;
+        EXPECT_EQ(written(*string->clone()), c.text) << "a clone of mode " << c.mode;
+    }
 }
 
 // The output must not depend on the process locale.
