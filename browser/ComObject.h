@@ -80,13 +80,6 @@ public:
     OwnedBstr& operator=(const OwnedBstr&) = delete;
 
     BSTR get() const { return text_; }
-    // For a call that hands out a new BSTR; frees the one held.
-    BSTR* receive()
-    {
-        SysFreeString(text_);
-        text_ = nullptr;
-        return &text_;
-    }
 
 private:
     BSTR text_ = nullptr;
