@@ -1,18 +1,26 @@
 // The capture dialog as the user meets it: capture(0, ...) shows it, it starts from the
 // stored choice, "start" stores the choice and runs the capture after the dialog has gone,
-// and closing it does nothing.
+// and closing it does nothing. With the feature switched on, the in-app page lies over the
+// bottom bar, and when it cannot show a page the user sees the bar as without it.
 
+#include "base/win/RegistryKey.h"
+#include "browser/ComObject.h"
+#include "browser/InAppAddress.h"
 #include "companions/language/Language.h"
 #include "companions/settings/Settings.h"
 #include "screencapture/CaptureApi.h"
 #include "screencapture/CaptureRun.h"
 #include "screencapture/Delivery.h"
 #include "screencapture/ModuleInstance.h"
+#include "screencapture/ui/ScreenCaptureUi.h"
 #include "tests/screencapture/CaptureTestKit.h"
+#include "tests/support/ResourceCounters.h"
 #include "tests/support/UiRobot.h"
+#include "xhtml/win/ModuleResourceLoader.h"
 
 #include <chrono>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -139,6 +147,158 @@ TEST_F(CaptureDialog, StartStoresTheChoiceAndCapturesAfterTheDialogHasGone)
     EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", kUnwritten), 1u);
     ASSERT_EQ(notes.size(), 1u) << "the screen went to the clipboard";
     EXPECT_GE(std::chrono::duration_cast<std::chrono::milliseconds>(notes[0] - gone).count(), 250);
+}
+
+// The in-app page switched on, loading from a port of this machine that nobody listens on,
+// so that no page can be shown (as when offline).
+struct InAppPageOn {
+    InAppPageOn()
+    {
+        userConfig_setBool(L"feature.embeddedBrowser", true);
+        browser::setInAppEndpoint(L"http://127.0.0.1:1");
+    }
+    ~InAppPageOn() { browser::setInAppEndpoint(ZString()); }
+};
+
+const wchar_t* const kBrowserClass = L"PryxaEmbeddedBrowser";
+
+// The browser's window in the dialog, visible or not; null when there is none.
+HWND browserWindow(HWND dialog)
+{
+    return FindWindowExW(dialog, nullptr, kBrowserClass, nullptr);
+}
+
+// Waits until the browser in the dialog has made its control (its first child window).
+void waitForControl(HWND dialog)
+{
+    const DWORD end = GetTickCount() + 10000;
+    while (!GetWindow(browserWindow(dialog), GW_CHILD)) {
+        if (GetTickCount() > end)
+            throw RobotFailure("the browser made no control");
+        Sleep(10);
+    }
+}
+
+// Whether the dialog held an OLE session while it was up: a thread timer looks from inside
+// its modal loop. (The thread's apartment cannot tell: Wine's input method initialises COM
+// on a thread with windows.)
+bool oleWhileDialog = false;
+void CALLBACK lookAtOle(HWND, UINT, UINT_PTR, DWORD)
+{
+    if (FindWindowW(L"XhtmlFrameView", nullptr) && screenCapture::ScreenCaptureUi::oleSessions() > 0)
+        oleWhileDialog = true;
+}
+
+bool oleOnThisThread()
+{
+    APTTYPE type;
+    APTTYPEQUALIFIER qualifier;
+    return SUCCEEDED(CoGetApartmentType(&type, &qualifier));
+}
+
+TEST_F(CaptureDialog, InAppPageIsOnlyThereWhenSwitchedOnAndNeverInTheUsersWay)
+{
+    InThisProgram run;
+    browser::setInAppEndpoint(L"http://127.0.0.1:1");
+    const struct {
+        const char* what;
+        bool featureOn, noEmbeddedBrowser;
+        bool page; // a browser window (hidden) and OLE while the dialog is up
+    } cases[] = {
+        {"not switched on", false, false, false},
+        {"switched on", true, false, true},
+        {"switched on, but NoEmbeddedBrowser", true, true, false},
+    };
+    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + ZString(L"\\Program"));
+    for (const auto& c : cases) {
+        ASSERT_FALSE(oleOnThisThread()) << c.what;
+        userConfig_setBool(L"feature.embeddedBrowser", c.featureOn);
+        program.writeDword(L"NoEmbeddedBrowser", c.noEmbeddedBrowser ? 1 : 0);
+        oleWhileDialog = false;
+        const UINT_PTR timer = SetTimer(nullptr, 0, 20, lookAtOle);
+        bool hasBrowser = false, browserShown = true;
+        std::vector<HWND> topLevel;
+        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
+                   [&](HWND dialog) {
+                       if (c.page)
+                           waitForControl(dialog);
+                       Sleep(300); // time for a failed page to do something wrong
+                       hasBrowser = browserWindow(dialog) != nullptr;
+                       browserShown = !children(dialog, kBrowserClass).empty();
+                       topLevel = processWindows();
+                       if (topLevel != std::vector<HWND>{dialog})
+                           throw RobotFailure("a window besides the dialog");
+                   });
+        KillTimer(nullptr, timer);
+        EXPECT_EQ(hasBrowser, c.page) << c.what;
+        EXPECT_FALSE(browserShown) << c.what << ": the bar shows its own content";
+        EXPECT_EQ(oleWhileDialog, c.page) << c.what;
+        EXPECT_FALSE(oleOnThisThread()) << c.what << ": OLE is given back with the dialog";
+        EXPECT_EQ(browser::liveComObjects(), 0) << c.what;
+    }
+    browser::setInAppEndpoint(ZString());
+}
+
+TEST_F(CaptureDialog, InAppPageCoversTheBottomBarWheneverTheLayoutChanges)
+{
+    InThisProgram run;
+    InAppPageOn on;
+    screenCapture::ScreenCaptureUi dialog;
+    dialog.context().setResourceLoader(std::make_unique<xhtml::ModuleResourceLoader>(screenCapture::moduleInstance()));
+    ASSERT_TRUE(xhtml::XhtmlFrameView::registerClass(screenCapture::moduleInstance()));
+    ASSERT_TRUE(dialog.create(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, xhtml::XhtmlFrameView::className, L"",
+                              WS_POPUP | WS_VISIBLE | WS_CAPTION | WS_SYSMENU, 0, 0, 0, 0, nullptr, nullptr,
+                              screenCapture::moduleInstance(), &dialog));
+    HWND page = browserWindow(dialog.handle());
+    ASSERT_NE(page, nullptr);
+    const auto covers = [&] {
+        const xhtml::Rect bottom = dialog.elementRect(L"bottom");
+        RECT placed = {};
+        GetWindowRect(page, &placed);
+        MapWindowPoints(nullptr, dialog.handle(), reinterpret_cast<POINT*>(&placed), 2);
+        const RECT expected = {bottom.x, bottom.y, bottom.right(), bottom.bottom()};
+        return bottom.width > 0 && EqualRect(&placed, &expected);
+    };
+    EXPECT_TRUE(covers());
+    const int width = dialog.elementRect(L"bottom").width;
+    dialog.setSizeToContent(false, false);
+    const RECT frame = dialog.windowRect();
+    dialog.setPosition(nullptr, 0, 0, frame.right - frame.left + 120, frame.bottom - frame.top + 40,
+                       SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_GT(dialog.elementRect(L"bottom").width, width);
+    EXPECT_TRUE(covers()) << "the page follows the bar";
+    dialog.destroy();
+}
+
+// Each dialog initialises OLE, makes and closes the control and gives OLE back: nothing of
+// it stays.
+TEST_F(CaptureDialog, ManyDialogsWithTheInAppPageLeaveNothingBehind)
+{
+    InThisProgram run;
+    InAppPageOn on;
+    const auto oneDialog = [] {
+        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); }, waitForControl);
+    };
+    // The counts once they have not changed for half a second: a request of the dialog before
+    // may still be ending in the background.
+    const auto quiet = [] {
+        std::pair<ResourceCounts, int> last{countResources(), countThreads()};
+        for (int look = 0; look < 20; ++look) {
+            pumpMessages(500);
+            const std::pair<ResourceCounts, int> now{countResources(), countThreads()};
+            if (now == last)
+                break;
+            last = now;
+        }
+        return last;
+    };
+    oneDialog(); // pays for what a process loads once
+    const auto [before, threadsBefore] = quiet();
+    for (int run = 0; run < 8; ++run)
+        oneDialog();
+    EXPECT_EQ(countResourcesSettled(before, 5000).describe(), before.describe());
+    EXPECT_EQ(countThreadsSettled(threadsBefore), threadsBefore);
+    EXPECT_EQ(browser::liveComObjects(), 0);
 }
 
 } // namespace
