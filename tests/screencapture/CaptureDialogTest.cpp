@@ -20,6 +20,7 @@
 
 #include <chrono>
 #include <functional>
+#include <regex>
 #include <utility>
 #include <vector>
 
@@ -237,6 +238,32 @@ TEST_F(CaptureDialog, InAppPageIsOnlyThereWhenSwitchedOnAndNeverInTheUsersWay)
         EXPECT_EQ(browser::liveComObjects(), 0) << c.what;
     }
     browser::setInAppEndpoint(ZString());
+}
+
+// A page that only notes what the dialog asks of it.
+std::vector<std::wstring> addresses;
+struct NotingPage : screenCapture::InAppPage {
+    void setBounds(const RECT&) override {}
+    void navigate(const ZString& address) override { addresses.push_back(address.c_str()); }
+};
+
+TEST_F(CaptureDialog, InAppPageLoadsTheDialogsInAppAddressWithTheProgramsQuery)
+{
+    InThisProgram run;
+    InAppPageOn on;
+    const screenCapture::InAppPageFactory kept = screenCapture::inAppPageFactory;
+    screenCapture::inAppPageFactory = [](HWND) -> std::unique_ptr<screenCapture::InAppPage> {
+        return std::make_unique<NotingPage>();
+    };
+    addresses.clear();
+    withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); }, [](HWND) {});
+    screenCapture::inAppPageFactory = kept;
+    ASSERT_EQ(addresses.size(), 1u);
+    EXPECT_TRUE(std::regex_match(addresses[0], std::wregex(L"http://127\\.0\\.0\\.1:1/inapp/screenCapture/\\?"
+                                                          L"name=Pryxa%20Creator&version=[0-9.]+&lang=[a-z]+&.*"
+                                                          L"&uCountryCode=[A-Z]*&random=[0-9]+")))
+        << std::string(addresses[0].begin(), addresses[0].end());
+    EXPECT_EQ(screenCapture::inAppPageAddress(L"name=x").toUtf8(), "http://127.0.0.1:1/inapp/screenCapture/?name=x");
 }
 
 TEST_F(CaptureDialog, InAppPageCoversTheBottomBarWheneverTheLayoutChanges)
