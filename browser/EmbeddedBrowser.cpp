@@ -106,7 +106,12 @@ void EmbeddedBrowser::onTimer(UINT_PTR timer)
     if (timer != kMakeControlTimer || controlTried_)
         return;
     controlTried_ = true;
-    if (!makeControl()) {
+    bool made = false;
+    try { // nothing may leave a window procedure
+        made = makeControl();
+    } catch (...) {
+    }
+    if (!made) {
         closeControl();
         giveUp();
     } else if (state_ == State::loading) {
@@ -133,7 +138,7 @@ bool EmbeddedBrowser::makeControl()
     return true;
 }
 
-void EmbeddedBrowser::startNavigation()
+void EmbeddedBrowser::startNavigation() noexcept
 {
     OwnedBstr address(address_.c_str());
     VARIANT none;

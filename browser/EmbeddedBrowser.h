@@ -74,7 +74,7 @@ private:
     LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void onTimer(UINT_PTR timer);
     bool makeControl();
-    void startNavigation();
+    void startNavigation() noexcept;
     void showPage();
     void giveUp();
     void closeControl();

@@ -6,7 +6,11 @@ namespace browser {
 
 std::unique_ptr<screenCapture::InAppPage> makeInAppPage(HWND parent)
 {
-    return EmbeddedBrowser::create(parent);
+    try { // called while the dialog's window is being created: nothing may leave
+        return EmbeddedBrowser::create(parent);
+    } catch (...) {
+        return nullptr;
+    }
 }
 
 } // namespace browser
