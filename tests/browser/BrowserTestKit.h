@@ -1,7 +1,7 @@
 #pragma once
-// What the browser tests share: OLE on the test's thread, a window to host a browser in,
-// binding an address the way a page's consumer does, servers on 127.0.0.1 that never
-// answer or are not there, and firing the control's events at its site as the control does.
+// What the browser tests share: OLE and a parent window, binding an address as a page's
+// consumer does, a local port that never answers, and the control's events fired at its
+// site as the control fires them.
 
 #include "base/ZString.h"
 
@@ -12,13 +12,11 @@
 
 #include <string>
 
-// OLE for the test, a visible top-level window, and the live COM objects of the browser
-// checked to be none at the end.
+// OLE, a visible top-level window, and no live COM object of the browser left at the end.
 class BrowserTest : public testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
-
     HWND parent() const { return parent_; }
 
 private:
@@ -32,36 +30,24 @@ struct BindResult {
     std::wstring mimeType;
 };
 
-// Binds the address asynchronously to a stream (a URL moniker with BindToStorage and a
-// callback that reads the data as it comes), pumping messages until it has stopped.
+// A URL moniker bound asynchronously to a stream, messages pumped until it has stopped.
 BindResult bindAsync(const ZString& address);
 
-// A port on 127.0.0.1 that accepts connections and never answers: navigations to it stay
-// loading. Closed when the object goes.
+// A port on 127.0.0.1 that accepts connections and never answers while the object lives.
 class SilentServer {
 public:
     SilentServer();
     ~SilentServer();
     SilentServer(const SilentServer&) = delete;
     SilentServer& operator=(const SilentServer&) = delete;
-
-    ZString address() const; // "http://127.0.0.1:<port>"
+    ZString address() const { return ZString::format(L"http://127.0.0.1:%d", port_); }
 
 private:
     SOCKET socket_ = INVALID_SOCKET;
     int port_ = 0;
 };
 
-// "http://127.0.0.1:<port>" with a port that nothing listens on.
-ZString closedAddress();
-
-// The control's events, fired at its client site as the control fires them. `frame` is the
-// control itself for the top frame.
-void fireNavigateComplete(IWebBrowser2* control, IDispatch* frame, const wchar_t* address);
-void fireDocumentComplete(IWebBrowser2* control, IDispatch* frame, const wchar_t* address);
-// Each returns what the site set the Cancel argument to.
-bool fireNavigateError(IWebBrowser2* control, IDispatch* frame, const wchar_t* address, long status);
-bool fireNewWindow(IWebBrowser2* control, const wchar_t* address);
-
-// The window's rectangle in its parent's client coordinates.
-RECT rectInParent(HWND window);
+// DocumentComplete, NavigateComplete2, NavigateError (status 404) or NewWindow3 for the
+// address, fired at the control's client site; `frame` is the control for the top frame
+// (NewWindow3 has none). Returns what the site set the Cancel argument to.
+bool fireEvent(IWebBrowser2* control, DISPID event, IDispatch* frame, const wchar_t* address);

@@ -1,20 +1,16 @@
 // The embedded browser as its dialog and its pages meet it: a hidden child that makes its
-// control after the parent has painted, follows its bounds, shows a page only once its
-// document is complete, hides itself whenever no page can be shown, sends new windows to
-// the default browser, gives the bridge only to its own pages and lets go of everything.
-// The control's events are fired at its site as the control fires them, so that the
-// decisions do not depend on an HTML engine being there.
+// control after the parent has painted and follows its bounds, shows a page only once its
+// document is complete, hides whenever no page can be shown, sends new windows to the
+// default browser, gives the bridge only to its own pages and lets go of everything. Events
+// are fired at its site as the control fires them, so no HTML engine is needed.
 
 #include "browser/ComObject.h"
 #include "browser/DefaultBrowser.h"
 #include "browser/EmbeddedBrowser.h"
-#include "browser/InAppAddress.h"
 #include "tests/browser/BrowserTestKit.h"
 #include "tests/support/UiRobot.h"
 
 #include <exdispid.h>
-#include <idispids.h>
-#include <mshtmdid.h>
 #include <mshtmhst.h>
 #include <wrl/client.h>
 
@@ -26,138 +22,144 @@ using State = EmbeddedBrowser::State;
 
 namespace {
 
-std::vector<std::wstring> opened; // what went to the default browser
-
 class Browser : public BrowserTest {
 protected:
     SilentServer silent; // navigations to it stay loading
+    std::unique_ptr<EmbeddedBrowser> page;
+    ComPtr<IDocHostUIHandler> host; // the page's site, as the control sees it
+    ComPtr<IDispatch> events;       // the same site; as an object, it stands for a sub-frame
 
-    void SetUp() override
-    {
-        BrowserTest::SetUp();
-        kept_ = browser::openInDefaultBrowser;
-        browser::openInDefaultBrowser = [](const ZString& address) { opened.push_back(address.c_str()); };
-        opened.clear();
-    }
     void TearDown() override
     {
-        browser::openInDefaultBrowser = kept_;
+        host.Reset();
+        events.Reset();
+        page.reset();
         BrowserTest::TearDown();
     }
 
-    // A browser loading the silent server, with its control made.
-    std::unique_ptr<EmbeddedBrowser> loading(UINT timeoutMs = EmbeddedBrowser::kPageTimeoutMs)
+    // A page loading the silent server, with its control made after the paint.
+    void load()
     {
-        std::unique_ptr<EmbeddedBrowser> made = EmbeddedBrowser::create(parent(), timeoutMs);
-        if (!made)
-            return nullptr;
-        made->navigate(silent.address());
-        pumpUntil([&] { return made->control() != nullptr; }, 10000);
-        return made;
-    }
-
-    template <typename Interface>
-    static ComPtr<Interface> siteAs(EmbeddedBrowser& browser)
-    {
+        page = EmbeddedBrowser::create(parent());
+        ASSERT_TRUE(page);
+        page->navigate(silent.address());
+        EXPECT_EQ(page->control(), nullptr) << "the parent must not wait for the control";
+        ASSERT_TRUE(pumpUntil([&] { return page->control() != nullptr; }, 10000));
         ComPtr<IOleObject> object;
         ComPtr<IOleClientSite> site;
-        ComPtr<Interface> wanted;
-        if (browser.control() && SUCCEEDED(browser.control()->QueryInterface(IID_PPV_ARGS(&object)))
-            && SUCCEEDED(object->GetClientSite(&site)) && site)
-            site.As(&wanted);
-        return wanted;
+        ASSERT_EQ(page->control()->QueryInterface(IID_PPV_ARGS(&object)), S_OK);
+        ASSERT_EQ(object->GetClientSite(&site), S_OK);
+        ASSERT_TRUE(SUCCEEDED(site.As(&host)) && SUCCEEDED(site.As(&events)));
     }
-
-private:
-    browser::UrlOpener kept_ = nullptr;
+    bool visible() const { return IsWindowVisible(page->window()) != FALSE; }
+    IDispatch* external()
+    {
+        ComPtr<IDispatch> given;
+        host->GetExternal(&given);
+        return given.Get();
+    }
 };
 
-bool visible(const EmbeddedBrowser& browser) { return IsWindowVisible(browser.window()) != FALSE; }
+std::vector<std::wstring> opened; // what went to the default browser
 
 TEST_F(Browser, IsAHiddenChildThatMakesItsControlOnlyAfterThePaintAndFollowsItsBounds)
 {
-    std::unique_ptr<EmbeddedBrowser> page = EmbeddedBrowser::create(parent());
-    ASSERT_TRUE(page);
+    load();
     EXPECT_EQ(GetParent(page->window()), parent());
-    EXPECT_EQ(windowClass(page->window()), L"PryxaEmbeddedBrowser");
-    page->navigate(silent.address());
-    EXPECT_EQ(page->control(), nullptr) << "the parent must not wait for the control";
     EXPECT_EQ(page->state(), State::loading);
-    ASSERT_TRUE(pumpUntil([&] { return page->control() != nullptr; }, 10000));
-    EXPECT_EQ(page->state(), State::loading);
-    EXPECT_FALSE(visible(*page));
-
+    EXPECT_FALSE(visible());
     for (const RECT bounds : {RECT{0, 240, 500, 290}, RECT{10, 200, 410, 260}}) {
         page->setBounds(bounds);
-        const RECT placed = rectInParent(page->window());
+        RECT placed = {}, control = {};
+        GetWindowRect(page->window(), &placed);
+        MapWindowPoints(nullptr, parent(), reinterpret_cast<POINT*>(&placed), 2);
+        GetClientRect(GetWindow(page->window(), GW_CHILD), &control); // the control's own window fills it
         EXPECT_TRUE(EqualRect(&placed, &bounds));
-        HWND control = GetWindow(page->window(), GW_CHILD); // the control's own window fills it
-        ASSERT_NE(control, nullptr);
-        RECT inside = {};
-        GetClientRect(control, &inside);
-        EXPECT_EQ(inside.right, bounds.right - bounds.left);
-        EXPECT_EQ(inside.bottom, bounds.bottom - bounds.top);
+        EXPECT_EQ(control.right * 1000 + control.bottom, (bounds.right - bounds.left) * 1000 + bounds.bottom - bounds.top);
     }
 }
 
-TEST_F(Browser, ShowsThePageOnceTheTopDocumentIsCompleteAndHidesItOnANavigationError)
+// What the page does after each event of the control: shown only for the top frame's
+// complete document, hidden for good after a top-frame error, the bridge only for in-app
+// and own pages, never an error page.
+TEST_F(Browser, FollowsTheControlsEvents)
 {
-    std::unique_ptr<EmbeddedBrowser> page = loading();
-    ASSERT_TRUE(page && page->control());
-    IWebBrowser2* control = page->control();
-    // Any other object stands for a sub-frame.
-    ComPtr<IDispatch> subFrame = siteAs<IDispatch>(*page);
-
-    fireDocumentComplete(control, subFrame.Get(), L"https://ads.example.com/");
-    EXPECT_EQ(page->state(), State::loading);
-    EXPECT_FALSE(visible(*page));
-    fireDocumentComplete(control, control, L"https://inapp.pryxa.com/");
-    EXPECT_EQ(page->state(), State::shown);
-    EXPECT_TRUE(visible(*page));
-
-    EXPECT_TRUE(fireNavigateError(control, subFrame.Get(), L"https://ads.example.com/", 404))
-        << "no error page, not even in a frame";
-    EXPECT_EQ(page->state(), State::shown);
-    EXPECT_TRUE(fireNavigateError(control, control, L"https://inapp.pryxa.com/", INET_E_DOWNLOAD_FAILURE));
-    EXPECT_EQ(page->state(), State::failed);
-    EXPECT_FALSE(visible(*page));
-    fireDocumentComplete(control, control, L"https://inapp.pryxa.com/");
-    EXPECT_FALSE(visible(*page)) << "a failed navigation's document is not shown";
-
+    load();
+    IWebBrowser2* top = page->control();
+    const wchar_t* const inApp = L"https://inapp.pryxa.com/inapp/screenCapture/?name=x";
+    const struct {
+        DISPID event;
+        bool topFrame;
+        const wchar_t* address;
+        State state;
+        bool bridge;
+    } steps[] = {
+        {DISPID_NAVIGATECOMPLETE2, false, inApp, State::loading, false}, // a frame is not the page
+        {DISPID_DOCUMENTCOMPLETE, false, inApp, State::loading, false},
+        {DISPID_NAVIGATECOMPLETE2, true, L"https://example.com/", State::loading, false},
+        {DISPID_NAVIGATECOMPLETE2, true, L"pryxa://res/page.html", State::loading, true},
+        {DISPID_DOCUMENTCOMPLETE, true, L"pryxa://res/page.html", State::shown, true},
+        {DISPID_NAVIGATEERROR, false, L"https://ads.example.com/", State::shown, true},
+        {DISPID_NAVIGATECOMPLETE2, true, inApp, State::shown, true},
+        {DISPID_NAVIGATECOMPLETE2, true, L"https://inapp.pryxa.com.example.com/", State::shown, false},
+        {DISPID_NAVIGATECOMPLETE2, true, inApp, State::shown, true},
+        {DISPID_NAVIGATEERROR, true, inApp, State::failed, false},
+        {DISPID_DOCUMENTCOMPLETE, true, inApp, State::failed, false}, // a failed page's document
+    };
+    page->setExternal(events);
+    for (const auto& step : steps) {
+        const bool cancelled = fireEvent(top, step.event, step.topFrame ? top : events.Get(), step.address);
+        const std::string what = std::to_string(step.event) + " " + ZString(step.address).toUtf8();
+        EXPECT_EQ(cancelled, step.event == DISPID_NAVIGATEERROR) << what;
+        EXPECT_EQ(page->state(), step.state) << what;
+        EXPECT_EQ(visible(), step.state == State::shown) << what;
+        EXPECT_EQ(external(), step.bridge ? events.Get() : nullptr) << what;
+    }
     page->navigate(silent.address()); // a new attempt starts hidden and can succeed
     EXPECT_EQ(page->state(), State::loading);
-    fireDocumentComplete(control, control, L"https://inapp.pryxa.com/");
-    EXPECT_TRUE(visible(*page));
+    fireEvent(top, DISPID_DOCUMENTCOMPLETE, top, inApp);
+    EXPECT_TRUE(visible());
+    page->setExternal(nullptr);
+    EXPECT_EQ(external(), nullptr);
+
+    const browser::UrlOpener kept = std::exchange(browser::openInDefaultBrowser, [](const ZString& to) {
+        opened.push_back(to.c_str());
+    });
+    for (const wchar_t* address : {L"https://www.pryxa.com/offer", L"HTTP://example.com/", L"file:///c:/windows/notepad.exe",
+                                   L"javascript:alert(1)", L"pryxa://res/page.html"})
+        EXPECT_TRUE(fireEvent(top, DISPID_NEWWINDOW3, nullptr, address)) << "never a window of the control";
+    browser::openInDefaultBrowser = kept;
+    EXPECT_EQ(opened, (std::vector<std::wstring>{L"https://www.pryxa.com/offer", L"HTTP://example.com/"}));
 }
 
-TEST_F(Browser, GivesUpAfterTheTimeOutAndIgnoresALateDocument)
+// Real navigations that end hidden: a missing resource, a port nobody listens on (as when
+// offline) and a server that never answers (the time-out); and the pryxa protocol is
+// reached through the control.
+TEST_F(Browser, RealNavigationsThatCannotShowAPageEndHiddenAndThePryxaSchemeIsReached)
 {
-    std::unique_ptr<EmbeddedBrowser> page = loading(100);
-    ASSERT_TRUE(page && page->control());
-    EXPECT_TRUE(pumpUntil([&] { return page->state() == State::failed; }, 10000));
-    fireDocumentComplete(page->control(), page->control(), L"https://inapp.pryxa.com/");
-    EXPECT_EQ(page->state(), State::failed);
-    EXPECT_FALSE(visible(*page));
-}
-
-// Real navigations, no events fired by hand: a missing resource and a port nobody listens
-// on (as when offline) end hidden; the scheme's protocol is reached through the control.
-TEST_F(Browser, RealNavigationsThatFailEndHiddenAndThePryxaSchemeIsReached)
-{
-    for (const ZString& address : {ZString(L"pryxa://res/missing.html"), closedAddress()}) {
-        std::unique_ptr<EmbeddedBrowser> page = EmbeddedBrowser::create(parent());
-        ASSERT_TRUE(page);
-        page->navigate(address);
-        EXPECT_TRUE(pumpUntil([&] { return page->state() == State::failed; }, 20000)) << address.toUtf8();
-        EXPECT_FALSE(visible(*page));
+    SOCKET closed = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP); // holds a port without listening
+    sockaddr_in local = {AF_INET, 0, {{{127, 0, 0, 1}}}, {}};
+    int size = sizeof local;
+    bind(closed, reinterpret_cast<sockaddr*>(&local), size);
+    getsockname(closed, reinterpret_cast<sockaddr*>(&local), &size);
+    const struct {
+        ZString address;
+        UINT timeoutMs;
+    } cases[] = {{L"pryxa://res/missing.html", EmbeddedBrowser::kPageTimeoutMs},
+                 {ZString::format(L"http://127.0.0.1:%d/", ntohs(local.sin_port)), EmbeddedBrowser::kPageTimeoutMs},
+                 {silent.address(), 100}};
+    for (const auto& c : cases) {
+        page = EmbeddedBrowser::create(parent(), c.timeoutMs);
+        page->navigate(c.address);
+        EXPECT_TRUE(pumpUntil([&] { return page->state() == State::failed; }, 20000)) << c.address.toUtf8();
+        EXPECT_FALSE(visible());
     }
-    std::unique_ptr<EmbeddedBrowser> page = EmbeddedBrowser::create(parent());
-    ASSERT_TRUE(page);
+    closesocket(closed);
+    page = EmbeddedBrowser::create(parent());
     std::vector<std::wstring> asked;
     page->content().addSource([&](const ZString& name, browser::Content& served) {
         asked.push_back(name.c_str());
-        const char html[] = "<html><body>bridge page</body></html>";
-        served.bytes.assign(html, html + sizeof html - 1);
+        served.bytes = {'<', 'p', '>'};
         return true;
     });
     page->navigate(L"pryxa://res/bridge.html");
@@ -165,125 +167,30 @@ TEST_F(Browser, RealNavigationsThatFailEndHiddenAndThePryxaSchemeIsReached)
     EXPECT_EQ(asked, std::vector<std::wstring>{L"bridge.html"});
 }
 
-TEST_F(Browser, NewWindowsNeverOpenInsideAndOnlyWebAddressesGoToTheDefaultBrowser)
-{
-    std::unique_ptr<EmbeddedBrowser> page = loading();
-    ASSERT_TRUE(page && page->control());
-    for (const wchar_t* address : {L"https://www.pryxa.com/offer", L"HTTP://example.com/", L"file:///c:/windows/notepad.exe",
-                                   L"javascript:alert(1)", L"pryxa://res/page.html", L"mailto:a@example.com"})
-        EXPECT_TRUE(fireNewWindow(page->control(), address)) << address;
-    EXPECT_EQ(opened, (std::vector<std::wstring>{L"https://www.pryxa.com/offer", L"HTTP://example.com/"}));
-    EXPECT_EQ(processWindows(), std::vector<HWND>{parent()});
-}
-
-// A page's window.external: what the site's document host hands out after each event.
-TEST_F(Browser, GivesTheBridgeOnlyToInAppAndOwnPages)
-{
-    std::unique_ptr<EmbeddedBrowser> page = loading();
-    ASSERT_TRUE(page && page->control());
-    IWebBrowser2* control = page->control();
-    ComPtr<IDocHostUIHandler> host = siteAs<IDocHostUIHandler>(*page);
-    ComPtr<IDispatch> subFrame = siteAs<IDispatch>(*page);
-    ASSERT_TRUE(host && subFrame);
-    ComPtr<IDispatch> bridge = subFrame; // any object stands for the bridge
-    page->setExternal(bridge);
-    const auto external = [&] {
-        ComPtr<IDispatch> given;
-        host->GetExternal(&given);
-        return given;
-    };
-
-    EXPECT_EQ(external().Get(), nullptr) << "no document yet";
-    const struct {
-        IDispatch* frame;
-        const wchar_t* address;
-        bool given;
-    } steps[] = {
-        {control, L"pryxa://res/page.html", true},
-        {control, L"https://example.com/", false},
-        {subFrame.Get(), L"https://inapp.pryxa.com/inapp/screenCapture/", false}, // a frame is not the page
-        {control, L"https://inapp.pryxa.com/inapp/screenCapture/?name=x", true},
-        {control, L"https://inapp.pryxa.com.example.com/", false},
-    };
-    for (const auto& step : steps) {
-        fireNavigateComplete(control, step.frame, step.address);
-        EXPECT_EQ(external().Get(), step.given ? bridge.Get() : nullptr) << step.address;
-    }
-    fireNavigateComplete(control, control, L"pryxa://res/page.html");
-    fireNavigateError(control, control, L"pryxa://res/next.html", INET_E_RESOURCE_NOT_FOUND);
-    EXPECT_EQ(external().Get(), nullptr) << "no document after an error";
-    fireNavigateComplete(control, control, L"pryxa://res/page.html");
-    page->setExternal(nullptr);
-    EXPECT_EQ(external().Get(), nullptr);
-}
-
-TEST_F(Browser, AsksForNoBorderScrollBarsContextMenuPlugInsOrDialogs)
-{
-    std::unique_ptr<EmbeddedBrowser> page = loading();
-    ASSERT_TRUE(page && page->control());
-    ComPtr<IDocHostUIHandler> host = siteAs<IDocHostUIHandler>(*page);
-    ComPtr<IDispatch> ambient = siteAs<IDispatch>(*page);
-    ASSERT_TRUE(host && ambient);
-    DOCHOSTUIINFO info = {};
-    info.cbSize = sizeof info;
-    ASSERT_EQ(host->GetHostInfo(&info), S_OK);
-    const DWORD wanted = DOCHOSTUIFLAG_NO3DBORDER | DOCHOSTUIFLAG_NO3DOUTERBORDER | DOCHOSTUIFLAG_SCROLL_NO
-                         | DOCHOSTUIFLAG_DISABLE_HELP_MENU;
-    EXPECT_EQ(info.dwFlags & wanted, wanted);
-    POINT where = {5, 5};
-    EXPECT_EQ(host->ShowContextMenu(CONTEXT_MENU_DEFAULT, &where, nullptr, nullptr), S_OK) << "handled: no menu";
-
-    const auto askAmbient = [&](DISPID property) {
-        VARIANT value;
-        VariantInit(&value);
-        DISPPARAMS none = {};
-        const HRESULT status = ambient->Invoke(property, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
-                                               &value, nullptr, nullptr);
-        return std::make_pair(status, value);
-    };
-    const auto download = askAmbient(DISPID_AMBIENT_DLCONTROL);
-    ASSERT_EQ(download.first, S_OK);
-    const long flags = V_I4(&download.second);
-    EXPECT_TRUE(flags & DLCTL_SILENT);
-    EXPECT_TRUE((flags & DLCTL_NO_RUNACTIVEXCTLS) && (flags & DLCTL_NO_JAVA));
-    EXPECT_FALSE(flags & DLCTL_NO_SCRIPTS) << "the page's scripts run";
-    const auto silentAsked = askAmbient(DISPID_AMBIENT_SILENT);
-    EXPECT_TRUE(silentAsked.first == S_OK && V_BOOL(&silentAsked.second) == VARIANT_TRUE);
-    EXPECT_EQ(askAmbient(DISPID_AMBIENT_USERAGENT).first, DISP_E_MEMBERNOTFOUND) << "the control's default";
-}
-
 TEST_F(Browser, LetsGoOfEverythingWhenItsParentIsDestroyedFirst)
 {
-    std::unique_ptr<EmbeddedBrowser> page = loading();
-    ASSERT_TRUE(page && page->control());
-    ComPtr<IDocHostUIHandler> host = siteAs<IDocHostUIHandler>(*page);
-    fireNavigateComplete(page->control(), page->control(), L"pryxa://res/page.html");
-    page->setExternal(siteAs<IDispatch>(*page));
-    ASSERT_TRUE(host);
-
+    load();
+    fireEvent(page->control(), DISPID_NAVIGATECOMPLETE2, page->control(), L"pryxa://res/page.html");
+    page->setExternal(events);
+    events.Reset();
     DestroyWindow(parent());
     EXPECT_EQ(page->control(), nullptr);
     EXPECT_EQ(page->state(), State::failed);
-    ComPtr<IDispatch> given;
-    EXPECT_EQ(host->GetExternal(&given), S_FALSE) << "a site held by someone else reaches nothing";
-    EXPECT_EQ(given.Get(), nullptr);
+    EXPECT_EQ(external(), nullptr) << "a site held by someone else reaches nothing";
     host.Reset();
     EXPECT_EQ(browser::liveComObjects(), 0);
     EXPECT_TRUE(FAILED(bindAsync(L"pryxa://res/page.html").result)) << "the scheme has gone with the control";
-    page.reset();
 }
 
 TEST_F(Browser, WithoutTheControlItStaysHiddenAndHoldsNothing)
 {
-    const CLSID kept = browser::controlClass;
-    browser::controlClass = CLSID_NULL; // as on a system without the control
-    std::unique_ptr<EmbeddedBrowser> page = EmbeddedBrowser::create(parent());
-    ASSERT_TRUE(page);
+    const CLSID kept = std::exchange(browser::controlClass, CLSID_NULL); // as on a system without it
+    page = EmbeddedBrowser::create(parent());
     page->navigate(L"pryxa://res/page.html");
     EXPECT_TRUE(pumpUntil([&] { return page->state() == State::failed; }, 10000));
     browser::controlClass = kept;
     EXPECT_EQ(page->control(), nullptr);
-    EXPECT_FALSE(visible(*page));
+    EXPECT_FALSE(visible());
     EXPECT_EQ(browser::liveComObjects(), 0) << "no site or scheme kept for a control that is not there";
     page->navigate(L"pryxa://res/page.html");
     EXPECT_EQ(page->state(), State::failed) << "no second attempt";

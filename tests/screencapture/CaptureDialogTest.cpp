@@ -161,36 +161,24 @@ struct InAppPageOn {
     ~InAppPageOn() { browser::setInAppEndpoint(ZString()); }
 };
 
-const wchar_t* const kBrowserClass = L"PryxaEmbeddedBrowser";
-
-// The browser's window in the dialog, visible or not; null when there is none.
-HWND browserWindow(HWND dialog)
-{
-    return FindWindowExW(dialog, nullptr, kBrowserClass, nullptr);
-}
+HWND browserWindow(HWND dialog) { return FindWindowExW(dialog, nullptr, L"PryxaEmbeddedBrowser", nullptr); }
 
 // Waits until the browser in the dialog has made its control (its first child window).
 void waitForControl(HWND dialog)
 {
-    const DWORD end = GetTickCount() + 10000;
-    while (!GetWindow(browserWindow(dialog), GW_CHILD)) {
-        if (GetTickCount() > end)
-            throw RobotFailure("the browser made no control");
-        Sleep(10);
-    }
+    if (!pumpUntil([&] { return GetWindow(browserWindow(dialog), GW_CHILD) != nullptr; }, 10000))
+        throw RobotFailure("the browser made no control");
 }
 
-// Whether the dialog held an OLE session while it was up: a thread timer looks from inside
-// its modal loop. (The thread's apartment cannot tell: Wine's input method initialises COM
-// on a thread with windows.)
+// Whether the dialog held an OLE session while it was up, seen by a thread timer from inside
+// its modal loop. (The thread's apartment cannot tell: Wine's input method initialises COM.)
 bool oleWhileDialog = false;
 void CALLBACK lookAtOle(HWND, UINT, UINT_PTR, DWORD)
 {
-    if (FindWindowW(L"XhtmlFrameView", nullptr) && screenCapture::ScreenCaptureUi::oleSessions() > 0)
-        oleWhileDialog = true;
+    oleWhileDialog |= FindWindowW(L"XhtmlFrameView", nullptr) && screenCapture::ScreenCaptureUi::oleSessions() > 0;
 }
 
-bool oleOnThisThread()
+bool comOnThisThread()
 {
     APTTYPE type;
     APTTYPEQUALIFIER qualifier;
@@ -200,7 +188,7 @@ bool oleOnThisThread()
 TEST_F(CaptureDialog, InAppPageIsOnlyThereWhenSwitchedOnAndNeverInTheUsersWay)
 {
     InThisProgram run;
-    browser::setInAppEndpoint(L"http://127.0.0.1:1");
+    InAppPageOn endpoint;
     const struct {
         const char* what;
         bool featureOn, noEmbeddedBrowser;
@@ -210,90 +198,71 @@ TEST_F(CaptureDialog, InAppPageIsOnlyThereWhenSwitchedOnAndNeverInTheUsersWay)
         {"switched on", true, false, true},
         {"switched on, but NoEmbeddedBrowser", true, true, false},
     };
-    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + ZString(L"\\Program"));
+    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
     for (const auto& c : cases) {
-        ASSERT_FALSE(oleOnThisThread()) << c.what;
+        ASSERT_FALSE(comOnThisThread()) << c.what;
         userConfig_setBool(L"feature.embeddedBrowser", c.featureOn);
         program.writeDword(L"NoEmbeddedBrowser", c.noEmbeddedBrowser ? 1 : 0);
         oleWhileDialog = false;
         const UINT_PTR timer = SetTimer(nullptr, 0, 20, lookAtOle);
         bool hasBrowser = false, browserShown = true;
-        std::vector<HWND> topLevel;
         withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
                    [&](HWND dialog) {
                        if (c.page)
                            waitForControl(dialog);
                        Sleep(300); // time for a failed page to do something wrong
                        hasBrowser = browserWindow(dialog) != nullptr;
-                       browserShown = !children(dialog, kBrowserClass).empty();
-                       topLevel = processWindows();
-                       if (topLevel != std::vector<HWND>{dialog})
+                       browserShown = IsWindowVisible(browserWindow(dialog));
+                       if (processWindows() != std::vector<HWND>{dialog})
                            throw RobotFailure("a window besides the dialog");
                    });
         KillTimer(nullptr, timer);
         EXPECT_EQ(hasBrowser, c.page) << c.what;
         EXPECT_FALSE(browserShown) << c.what << ": the bar shows its own content";
         EXPECT_EQ(oleWhileDialog, c.page) << c.what;
-        EXPECT_FALSE(oleOnThisThread()) << c.what << ": OLE is given back with the dialog";
+        EXPECT_FALSE(comOnThisThread()) << c.what << ": OLE is given back with the dialog";
         EXPECT_EQ(browser::liveComObjects(), 0) << c.what;
     }
-    browser::setInAppEndpoint(ZString());
 }
 
-// A page that only notes what the dialog asks of it.
+// A page that notes what the dialog asks of it.
 std::vector<std::wstring> addresses;
+std::vector<RECT> bounds;
 struct NotingPage : screenCapture::InAppPage {
-    void setBounds(const RECT&) override {}
+    void setBounds(const RECT& placed) override { bounds.push_back(placed); }
     void navigate(const ZString& address) override { addresses.push_back(address.c_str()); }
 };
 
-TEST_F(CaptureDialog, InAppPageLoadsTheDialogsInAppAddressWithTheProgramsQuery)
+TEST_F(CaptureDialog, InAppPageLoadsTheInAppAddressOverTheBottomBarWheneverTheLayoutChanges)
 {
     InThisProgram run;
     InAppPageOn on;
-    const screenCapture::InAppPageFactory kept = screenCapture::inAppPageFactory;
-    screenCapture::inAppPageFactory = [](HWND) -> std::unique_ptr<screenCapture::InAppPage> {
+    const auto kept = std::exchange(screenCapture::inAppPageFactory, [](HWND) -> std::unique_ptr<screenCapture::InAppPage> {
         return std::make_unique<NotingPage>();
-    };
-    addresses.clear();
-    withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); }, [](HWND) {});
-    screenCapture::inAppPageFactory = kept;
-    ASSERT_EQ(addresses.size(), 1u);
-    EXPECT_TRUE(std::regex_match(addresses[0], std::wregex(L"http://127\\.0\\.0\\.1:1/inapp/screenCapture/\\?"
-                                                          L"name=Pryxa%20Creator&version=[0-9.]+&lang=[a-z]+&.*"
-                                                          L"&uCountryCode=[A-Z]*&random=[0-9]+")))
-        << std::string(addresses[0].begin(), addresses[0].end());
-    EXPECT_EQ(screenCapture::inAppPageAddress(L"name=x").toUtf8(), "http://127.0.0.1:1/inapp/screenCapture/?name=x");
-}
-
-TEST_F(CaptureDialog, InAppPageCoversTheBottomBarWheneverTheLayoutChanges)
-{
-    InThisProgram run;
-    InAppPageOn on;
+    });
     screenCapture::ScreenCaptureUi dialog;
     dialog.context().setResourceLoader(std::make_unique<xhtml::ModuleResourceLoader>(screenCapture::moduleInstance()));
     ASSERT_TRUE(xhtml::XhtmlFrameView::registerClass(screenCapture::moduleInstance()));
     ASSERT_TRUE(dialog.create(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, xhtml::XhtmlFrameView::className, L"",
                               WS_POPUP | WS_VISIBLE | WS_CAPTION | WS_SYSMENU, 0, 0, 0, 0, nullptr, nullptr,
                               screenCapture::moduleInstance(), &dialog));
-    HWND page = browserWindow(dialog.handle());
-    ASSERT_NE(page, nullptr);
-    const auto covers = [&] {
-        const xhtml::Rect bottom = dialog.elementRect(L"bottom");
-        RECT placed = {};
-        GetWindowRect(page, &placed);
-        MapWindowPoints(nullptr, dialog.handle(), reinterpret_cast<POINT*>(&placed), 2);
-        const RECT expected = {bottom.x, bottom.y, bottom.right(), bottom.bottom()};
-        return bottom.width > 0 && EqualRect(&placed, &expected);
+    screenCapture::inAppPageFactory = kept;
+    ASSERT_EQ(addresses.size(), 1u);
+    EXPECT_TRUE(std::regex_match(addresses[0], std::wregex(L"http://127\\.0\\.0\\.1:1/inapp/screenCapture/\\?name="
+                                                          L"Pryxa%20Creator&version=[0-9.]+&lang=[a-z]+&.*&random=[0-9]+")))
+        << ZString(addresses[0].c_str()).toUtf8();
+    const auto coversTheBar = [&] {
+        const xhtml::Rect bar = dialog.elementRect(L"bottom");
+        const RECT expected = {bar.x, bar.y, bar.right(), bar.bottom()};
+        return bar.width > 0 && !bounds.empty() && EqualRect(&bounds.back(), &expected);
     };
-    EXPECT_TRUE(covers());
+    EXPECT_TRUE(coversTheBar());
     const int width = dialog.elementRect(L"bottom").width;
     dialog.setSizeToContent(false, false);
     const RECT frame = dialog.windowRect();
-    dialog.setPosition(nullptr, 0, 0, frame.right - frame.left + 120, frame.bottom - frame.top + 40,
-                       SWP_NOMOVE | SWP_NOZORDER);
+    dialog.setPosition(nullptr, 0, 0, frame.right - frame.left + 120, frame.bottom - frame.top, SWP_NOMOVE | SWP_NOZORDER);
     EXPECT_GT(dialog.elementRect(L"bottom").width, width);
-    EXPECT_TRUE(covers()) << "the page follows the bar";
+    EXPECT_TRUE(coversTheBar()) << "the page follows the bar";
     dialog.destroy();
 }
 
@@ -306,18 +275,15 @@ TEST_F(CaptureDialog, ManyDialogsWithTheInAppPageLeaveNothingBehind)
     const auto oneDialog = [] {
         withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); }, waitForControl);
     };
-    // The counts once they have not changed for half a second: a request of the dialog before
-    // may still be ending in the background.
+    // The counts once unchanged for half a second: the dialog before may still be ending a request.
     const auto quiet = [] {
-        std::pair<ResourceCounts, int> last{countResources(), countThreads()};
-        for (int look = 0; look < 20; ++look) {
-            pumpMessages(500);
-            const std::pair<ResourceCounts, int> now{countResources(), countThreads()};
-            if (now == last)
-                break;
+        std::pair<ResourceCounts, int> last{countResources(), countThreads()}, now = last;
+        for (int look = 0; look < 20 && (look == 0 || !(now == last)); ++look) {
             last = now;
+            pumpMessages(500);
+            now = {countResources(), countThreads()};
         }
-        return last;
+        return now;
     };
     oneDialog(); // pays for what a process loads once
     const auto [before, threadsBefore] = quiet();
