@@ -1,12 +1,13 @@
 #include "screencapture/DpiAwareness.h"
 
+#include "base/win/OsVersion.h"
+
 #include <windows.h>
 
 namespace screenCapture {
 
 namespace {
 
-using RtlGetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOEXW*);
 using SetProcessDpiAwareFunction = BOOL(WINAPI*)();
 
 template <typename Function>
@@ -15,27 +16,10 @@ Function lookUp(HMODULE module, const char* name)
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-// GetVersionEx lies to programs without a manifest; ntdll's RtlGetVersion does not.
-RtlGetVersionFunction rtlGetVersion()
-{
-    static const RtlGetVersionFunction function = [] {
-        HMODULE ntdll = GetModuleHandleW(L"ntdll.dll");
-        return ntdll ? lookUp<RtlGetVersionFunction>(ntdll, "RtlGetVersion") : nullptr;
-    }();
-    return function;
-}
-
-// RtlGetVersion fills in the extended record only when its size field says 284 bytes.
-static_assert(sizeof(OSVERSIONINFOEXW) == 284, "OSVERSIONINFOEXW layout");
-
 bool isVistaOrLater()
 {
-    const RtlGetVersionFunction getVersion = rtlGetVersion();
-    if (!getVersion)
-        return false;
-    OSVERSIONINFOEXW version = {};
-    version.dwOSVersionInfoSize = sizeof version;
-    return getVersion(&version) == 0 && version.dwMajorVersion >= 6;
+    OSVERSIONINFOEXW version;
+    return osVersion(version) && version.dwMajorVersion >= 6;
 }
 
 } // namespace

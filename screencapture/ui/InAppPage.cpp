@@ -1,10 +1,12 @@
 #include "screencapture/ui/InAppPage.h"
 
+#include "browser/InAppAddress.h"
+#include "browser/InAppPageFactory.h"
 #include "companions/settings/Settings.h"
 
 namespace screenCapture {
 
-InAppPageFactory inAppPageFactory = nullptr;
+InAppPageFactory inAppPageFactory = browser::makeInAppPage;
 
 bool embeddedBrowserEnabled()
 {
@@ -15,7 +17,7 @@ bool embeddedBrowserEnabled()
 
 ZString inAppPageAddress(const ZString& query)
 {
-    return ZString(L"https://inapp.pryxa.com/inapp/screenCapture/") + query;
+    return browser::inAppEndpoint() + ZString(L"/inapp/screenCapture/?") + query;
 }
 
 } // namespace screenCapture

@@ -1,7 +1,8 @@
 #pragma once
-// The in-app page that the capture dialog can show over its bottom bar: a hosted browser
-// of the embedded-browser subsystem, reached through a factory that the subsystem installs.
-// Without one, or when it cannot make a page, the bar shows the markup's own content.
+// The in-app page that the capture dialog can show over its bottom bar: the embedded
+// browser (browser/EmbeddedBrowser.h), reached through a factory so that tests can put
+// another page in its place. When the factory makes no page, or the page cannot show one,
+// the bar shows the markup's own content.
 
 #include "base/ZString.h"
 
@@ -16,10 +17,12 @@ public:
     virtual ~InAppPage() = default;
     // In the parent's client coordinates.
     virtual void setBounds(const RECT& bounds) = 0;
+    // Starts loading; the page shows itself once it has something to show.
     virtual void navigate(const ZString& address) = 0;
 };
 
-// Makes a page as a child of `parent`; null when it cannot.
+// Makes a page as a child of `parent`; null when it cannot. The embedded browser's
+// (browser::makeInAppPage) unless a test has replaced it.
 using InAppPageFactory = std::unique_ptr<InAppPage> (*)(HWND parent);
 extern InAppPageFactory inAppPageFactory;
 
@@ -27,8 +30,8 @@ extern InAppPageFactory inAppPageFactory;
 // unless set), switched off by the program setting "NoEmbeddedBrowser".
 bool embeddedBrowserEnabled();
 
-// The page's address: the vendor's in-app endpoint, the dialog's path and the program's
-// common in-app query string.
+// The page's address: the vendor's in-app endpoint, the dialog's path "/inapp/screenCapture/",
+// "?" and the program's common in-app query string.
 ZString inAppPageAddress(const ZString& query);
 
 } // namespace screenCapture

@@ -1,5 +1,6 @@
 #include "screencapture/ui/ScreenCaptureUi.h"
 
+#include "browser/AppInfo.h"
 #include "companions/language/Language.h"
 #include "companions/settings/Settings.h"
 #include "screencapture/CaptureVocabulary.h"
@@ -75,7 +76,7 @@ void ScreenCaptureUi::openInAppPage()
     if (!browser_)
         return;
     placeInAppPage();
-    browser_->navigate(inAppPageAddress(ZString()));
+    browser_->navigate(inAppPageAddress(browser::inAppQuery(ZString())));
 }
 
 void ScreenCaptureUi::placeInAppPage()

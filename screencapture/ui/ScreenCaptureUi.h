@@ -27,6 +27,8 @@ public:
     ~ScreenCaptureUi() override;
 
     bool accepted() const { return start_.accepted; }
+    // OLE sessions that dialogs hold now: one per dialog that shows the in-app page.
+    static int oleSessions() { return OleSession::live; }
     Mode mode() const { return start_.mode; }
     Target target() const { return start_.target; }
 
@@ -55,14 +57,17 @@ private:
     // OLE on the dialog's thread for the in-app page; given back only if this start took.
     class OleSession {
     public:
-        OleSession() : started_(SUCCEEDED(OleInitialize(nullptr))) {}
+        OleSession() : started_(SUCCEEDED(OleInitialize(nullptr))) { ++live; }
         ~OleSession()
         {
+            --live;
             if (started_)
                 OleUninitialize();
         }
         OleSession(const OleSession&) = delete;
         OleSession& operator=(const OleSession&) = delete;
+
+        static inline int live = 0; // only the dialogs' thread changes it
 
     private:
         bool started_;

@@ -1,18 +1,28 @@
 // The capture dialog as the user meets it: capture(0, ...) shows it, it starts from the
 // stored choice, "start" stores the choice and runs the capture after the dialog has gone,
-// and closing it does nothing. The keyboard alone does all of it too.
+// and closing it does nothing. The keyboard alone does all of it too. With the feature
+// switched on, the in-app page lies over the bottom bar, and when it cannot show a page the
+// user sees the bar as without it.
 
+#include "base/win/RegistryKey.h"
+#include "browser/ComObject.h"
+#include "browser/InAppAddress.h"
 #include "companions/language/Language.h"
 #include "companions/settings/Settings.h"
 #include "screencapture/CaptureApi.h"
 #include "screencapture/CaptureRun.h"
 #include "screencapture/Delivery.h"
 #include "screencapture/ModuleInstance.h"
+#include "screencapture/ui/ScreenCaptureUi.h"
 #include "tests/screencapture/CaptureTestKit.h"
+#include "tests/support/ResourceCounters.h"
 #include "tests/support/UiRobot.h"
+#include "xhtml/win/ModuleResourceLoader.h"
 
 #include <chrono>
 #include <functional>
+#include <regex>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -208,6 +218,148 @@ TEST_F(CaptureDialog, KeysChooseCycleAndStartFromAnyControlWithEnterOrCloseWithE
         EXPECT_EQ(clipboardFormats().front(), static_cast<UINT>(started ? CF_BITMAP : CF_UNICODETEXT)) << c.what;
     }
     screenCapture::trayNote = kept;
+// The in-app page switched on, loading from a port of this machine that nobody listens on,
+// so that no page can be shown (as when offline).
+struct InAppPageOn {
+    InAppPageOn()
+    {
+        userConfig_setBool(L"feature.embeddedBrowser", true);
+        browser::setInAppEndpoint(L"http://127.0.0.1:1");
+    }
+    ~InAppPageOn() { browser::setInAppEndpoint(ZString()); }
+};
+
+HWND browserWindow(HWND dialog) { return FindWindowExW(dialog, nullptr, L"PryxaEmbeddedBrowser", nullptr); }
+
+// Waits until the browser in the dialog has made its control (its first child window).
+void waitForControl(HWND dialog)
+{
+    if (!pumpUntil([&] { return GetWindow(browserWindow(dialog), GW_CHILD) != nullptr; }, 10000))
+        throw RobotFailure("the browser made no control");
+}
+
+// Whether the dialog held an OLE session while it was up, seen by a thread timer from inside
+// its modal loop. (The thread's apartment cannot tell: Wine's input method initialises COM.)
+bool oleWhileDialog = false;
+void CALLBACK lookAtOle(HWND, UINT, UINT_PTR, DWORD)
+{
+    oleWhileDialog |= FindWindowW(L"XhtmlFrameView", nullptr) && screenCapture::ScreenCaptureUi::oleSessions() > 0;
+}
+
+bool comOnThisThread()
+{
+    APTTYPE type;
+    APTTYPEQUALIFIER qualifier;
+    return SUCCEEDED(CoGetApartmentType(&type, &qualifier));
+}
+
+TEST_F(CaptureDialog, InAppPageIsOnlyThereWhenSwitchedOnAndNeverInTheUsersWay)
+{
+    InThisProgram run;
+    InAppPageOn endpoint;
+    const struct {
+        const char* what;
+        bool featureOn, noEmbeddedBrowser;
+        bool page; // a browser window (hidden) and OLE while the dialog is up
+    } cases[] = {
+        {"not switched on", false, false, false},
+        {"switched on", true, false, true},
+        {"switched on, but NoEmbeddedBrowser", true, true, false},
+    };
+    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+    for (const auto& c : cases) {
+        ASSERT_FALSE(comOnThisThread()) << c.what;
+        userConfig_setBool(L"feature.embeddedBrowser", c.featureOn);
+        program.writeDword(L"NoEmbeddedBrowser", c.noEmbeddedBrowser ? 1 : 0);
+        oleWhileDialog = false;
+        const UINT_PTR timer = SetTimer(nullptr, 0, 20, lookAtOle);
+        bool hasBrowser = false, browserShown = true;
+        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
+                   [&](HWND dialog) {
+                       if (c.page)
+                           waitForControl(dialog);
+                       Sleep(300); // time for a failed page to do something wrong
+                       hasBrowser = browserWindow(dialog) != nullptr;
+                       browserShown = IsWindowVisible(browserWindow(dialog));
+                       if (processWindows() != std::vector<HWND>{dialog})
+                           throw RobotFailure("a window besides the dialog");
+                   });
+        KillTimer(nullptr, timer);
+        EXPECT_EQ(hasBrowser, c.page) << c.what;
+        EXPECT_FALSE(browserShown) << c.what << ": the bar shows its own content";
+        EXPECT_EQ(oleWhileDialog, c.page) << c.what;
+        EXPECT_FALSE(comOnThisThread()) << c.what << ": OLE is given back with the dialog";
+        EXPECT_EQ(browser::liveComObjects(), 0) << c.what;
+    }
+}
+
+// A page that notes what the dialog asks of it.
+std::vector<std::wstring> addresses;
+std::vector<RECT> bounds;
+struct NotingPage : screenCapture::InAppPage {
+    void setBounds(const RECT& placed) override { bounds.push_back(placed); }
+    void navigate(const ZString& address) override { addresses.push_back(address.c_str()); }
+};
+
+TEST_F(CaptureDialog, InAppPageLoadsTheInAppAddressOverTheBottomBarWheneverTheLayoutChanges)
+{
+    InThisProgram run;
+    InAppPageOn on;
+    const auto kept = std::exchange(screenCapture::inAppPageFactory, [](HWND) -> std::unique_ptr<screenCapture::InAppPage> {
+        return std::make_unique<NotingPage>();
+    });
+    screenCapture::ScreenCaptureUi dialog;
+    dialog.context().setResourceLoader(std::make_unique<xhtml::ModuleResourceLoader>(screenCapture::moduleInstance()));
+    ASSERT_TRUE(xhtml::XhtmlFrameView::registerClass(screenCapture::moduleInstance()));
+    ASSERT_TRUE(dialog.create(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, xhtml::XhtmlFrameView::className, L"",
+                              WS_POPUP | WS_VISIBLE | WS_CAPTION | WS_SYSMENU, 0, 0, 0, 0, nullptr, nullptr,
+                              screenCapture::moduleInstance(), &dialog));
+    screenCapture::inAppPageFactory = kept;
+    ASSERT_EQ(addresses.size(), 1u);
+    EXPECT_TRUE(std::regex_match(addresses[0], std::wregex(L"http://127\\.0\\.0\\.1:1/inapp/screenCapture/\\?name="
+                                                          L"Pryxa%20Creator&version=[0-9.]+&lang=[a-z]+&.*&random=[0-9]+")))
+        << ZString(addresses[0].c_str()).toUtf8();
+    const auto coversTheBar = [&] {
+        const xhtml::Rect bar = dialog.elementRect(L"bottom");
+        const RECT expected = {bar.x, bar.y, bar.right(), bar.bottom()};
+        return bar.width > 0 && !bounds.empty() && EqualRect(&bounds.back(), &expected);
+    };
+    EXPECT_TRUE(coversTheBar());
+    const int width = dialog.elementRect(L"bottom").width;
+    dialog.setSizeToContent(false, false);
+    const RECT frame = dialog.windowRect();
+    dialog.setPosition(nullptr, 0, 0, frame.right - frame.left + 120, frame.bottom - frame.top, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_GT(dialog.elementRect(L"bottom").width, width);
+    EXPECT_TRUE(coversTheBar()) << "the page follows the bar";
+    dialog.destroy();
+}
+
+// Each dialog initialises OLE, makes and closes the control and gives OLE back: nothing of
+// it stays.
+TEST_F(CaptureDialog, ManyDialogsWithTheInAppPageLeaveNothingBehind)
+{
+    InThisProgram run;
+    InAppPageOn on;
+    const auto oneDialog = [] {
+        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); }, waitForControl);
+    };
+    // The counts once unchanged for half a second: the dialog before may still be ending a request.
+    const auto quiet = [] {
+        std::pair<ResourceCounts, int> last{countResources(), countThreads()}, now = last;
+        for (int look = 0; look < 20 && (look == 0 || !(now == last)); ++look) {
+            last = now;
+            pumpMessages(500);
+            now = {countResources(), countThreads()};
+        }
+        return now;
+    };
+    oneDialog(); // pays for what a process loads once
+    const auto [before, threadsBefore] = quiet();
+    for (int run = 0; run < 8; ++run)
+        oneDialog();
+    EXPECT_EQ(countResourcesSettled(before, 5000).describe(), before.describe());
+    EXPECT_EQ(countThreadsSettled(threadsBefore), threadsBefore);
+    EXPECT_EQ(browser::liveComObjects(), 0);
 }
 
 } // namespace

@@ -1,9 +1,11 @@
 #include "tests/support/ResourceCounters.h"
 
+#include "base/win/KernelHandle.h"
 #include "tests/support/UiRobot.h"
 #include "tests/support/Wine.h"
 
 #include <windows.h>
+#include <tlhelp32.h>
 #include <winternl.h>
 
 #include <algorithm>
@@ -121,6 +123,27 @@ ResourceCounts countResourcesSettled(const ResourceCounts& expected, unsigned ti
 {
     ResourceCounts last;
     pumpUntil([&] { return (last = countResources()) == expected; }, timeoutMs);
+    return last;
+}
+
+int countThreads()
+{
+    const KernelHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    THREADENTRY32 entry = {};
+    entry.dwSize = sizeof entry;
+    if (!snapshot || !Thread32First(snapshot.get(), &entry))
+        return -1;
+    int count = 0;
+    do {
+        count += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
+    } while (Thread32Next(snapshot.get(), &entry));
+    return count;
+}
+
+int countThreadsSettled(int expected, unsigned timeoutMs)
+{
+    int last = -1;
+    pumpUntil([&] { return (last = countThreads()) == expected; }, timeoutMs);
     return last;
 }
 

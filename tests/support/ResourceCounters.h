@@ -23,3 +23,8 @@ ResourceCounts countResources();
 // there: the system frees some things a little later (a destroyed window's handles), so
 // this pumps this thread's messages meanwhile; a real leak stays.
 ResourceCounts countResourcesSettled(const ResourceCounts& expected, unsigned timeoutMs = 2000);
+
+// The threads of this process now (-1 if unreadable), and once back at `expected` or after
+// the time-out, as above: a thread that a library ends when it is idle ends a little later.
+int countThreads();
+int countThreadsSettled(int expected, unsigned timeoutMs = 5000);

@@ -10,6 +10,7 @@
 
 #include <functional>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -33,6 +34,18 @@ TEST(ResourceCounters, SeeAGdiObjectAHandleAndWindowsComeAndGo)
         EXPECT_EQ(countResources().describe(), expected.describe()) << "-1: unreadable";
     });
     EXPECT_EQ(countResourcesSettled(before).describe(), before.describe());
+}
+
+TEST(ResourceCounters, SeeAThreadComeAndGo)
+{
+    const int before = countThreads();
+    ASSERT_GT(before, 0);
+    KernelHandle release(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::thread waiting([&] { WaitForSingleObject(release.get(), INFINITE); });
+    EXPECT_EQ(countThreads(), before + 1);
+    SetEvent(release.get());
+    waiting.join();
+    EXPECT_EQ(countThreadsSettled(before), before);
 }
 
 // A failed script must reach the test: else a test whose box never came would pass.
