@@ -218,6 +218,8 @@ TEST_F(CaptureDialog, KeysChooseCycleAndStartFromAnyControlWithEnterOrCloseWithE
         EXPECT_EQ(clipboardFormats().front(), static_cast<UINT>(started ? CF_BITMAP : CF_UNICODETEXT)) << c.what;
     }
     screenCapture::trayNote = kept;
+}
+
 // The in-app page switched on, loading from a port of this machine that nobody listens on,
 // so that no page can be shown (as when offline).
 struct InAppPageOn {
