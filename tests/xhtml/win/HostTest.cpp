@@ -66,6 +66,46 @@ TEST_F(MarkupHost, SelectValueIsSetQuietlyByOptionValueAndReadBackAsTheUserLeftI
     EXPECT_EQ(frame.selectValue(L"m"), ZString(L"2"));
 }
 
+const wchar_t* const kFields =
+    L"<input id=t value='start'/><input id=p type=password/><textarea id=a>one</textarea><input id=h type=hidden/>"
+    L"<input id=c type=checkbox checked/><input id=r1 type=radio name=g checked/><input id=r2 type=radio name=g/>"
+    L"<select id=s><option>a</option></select>";
+
+TEST_F(MarkupHost, FieldTextsAndCheckMarksAreSetByIdAndReadBackAsTheUserLeftThem)
+{
+    frame.setMarkup(kFields);
+    EXPECT_EQ(frame.fieldValue(L"t"), ZString(L"start"));
+    const struct {
+        const wchar_t* id;
+        const wchar_t* set;
+        const wchar_t* shown; // null: no window
+    } fields[] = {{L"t", L"72", L"72"}, {L"p", L"secret", L"secret"}, {L"a", L"one\ntwo", L"one\r\ntwo"}, {L"h", L"x", nullptr}};
+    for (const auto& f : fields) {
+        EXPECT_TRUE(frame.setFieldValue(f.id, f.set)) << f.id;
+        if (f.shown)
+            EXPECT_EQ(windowText(frame.controlWindow(f.id)), f.shown) << f.id;
+        EXPECT_EQ(frame.fieldValue(f.id), ZString(f.shown ? f.shown : f.set)) << f.id;
+    }
+    typeText(frame.controlWindow(L"t"), L"300");
+    EXPECT_EQ(frame.fieldValue(L"t"), ZString(L"300"));
+
+    EXPECT_TRUE(frame.isChecked(L"c"));
+    EXPECT_TRUE(frame.setChecked(L"c", false));
+    EXPECT_EQ(SendMessageW(frame.controlWindow(L"c"), BM_GETCHECK, 0, 0), BST_UNCHECKED);
+    SendMessageW(frame.controlWindow(L"c"), BM_SETCHECK, BST_CHECKED, 0); // however the user's mark arrived
+    EXPECT_TRUE(frame.isChecked(L"c"));
+    EXPECT_TRUE(frame.setChecked(L"r2", true));
+    EXPECT_EQ(SendMessageW(frame.controlWindow(L"r1"), BM_GETCHECK, 0, 0), BST_UNCHECKED) << "one of a group";
+    EXPECT_FALSE(frame.isChecked(L"r1"));
+
+    for (const wchar_t* wrong : {L"c", L"s", L"missing"}) {
+        EXPECT_FALSE(frame.setFieldValue(wrong, L"1")) << wrong;
+        EXPECT_EQ(frame.fieldValue(wrong), ZString()) << wrong;
+    }
+    EXPECT_FALSE(frame.setChecked(L"t", true));
+    EXPECT_FALSE(frame.isChecked(L"t"));
+}
+
 TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
 {
     struct Presses : ButtonListener, LinkListener {
