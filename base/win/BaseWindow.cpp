@@ -248,6 +248,8 @@ void BaseWindow::runModalLoop(const bool& destroyed, UINT_PTR timer, const LifeW
     while (!watch.gone() && !destroyed && !modalEnd_ && isWindow() && GetMessageW(&message, nullptr, 0, 0)) {
         if (message.message == WM_TIMER && message.hwnd == nullptr && message.wParam == timer)
             continue;
+        if (preTranslateMessage(message))
+            continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }

@@ -117,6 +117,10 @@ protected:
     {
         return defaultProc(message, wParam, lParam);
     }
+    // Sees each message of the modal loop, whichever window of the thread it is for, before
+    // it is translated and dispatched (keys for the window's controls, say); true when it was
+    // handled here and goes no further.
+    virtual bool preTranslateMessage(MSG&) { return false; }
 
 private:
     struct LifeWatch;

@@ -52,6 +52,9 @@ void pressButton(HWND dialog, int controlId);
 // The first descendant of `parent` with this class (empty: any) and id (-1: any).
 HWND findDescendant(HWND parent, const std::wstring& className, int controlId = -1);
 void typeText(HWND edit, const std::wstring& text);
+// Posts a key's down and up messages to `focus`, the window with the keyboard focus, as the
+// keyboard does.
+void pressKey(HWND focus, UINT virtualKey);
 std::wstring windowText(HWND window);
 std::wstring windowClass(HWND window);
 // Visible top-level windows of this process.

@@ -353,6 +353,23 @@ bool XhtmlFrameView::setCursor()
     return true;
 }
 
+bool XhtmlFrameView::preTranslateMessage(MSG& message)
+{
+    if (message.message != WM_KEYDOWN || message.wParam != VK_ESCAPE || !handle())
+        return false;
+    if (message.hwnd != handle()) {
+        if (!IsChild(handle(), message.hwnd))
+            return false;
+        // The question a dialog box asks its controls before it takes a key from them.
+        const LRESULT wants =
+            SendMessageW(message.hwnd, WM_GETDLGCODE, message.wParam, reinterpret_cast<LPARAM>(&message));
+        if (wants & DLGC_WANTMESSAGE)
+            return false;
+    }
+    postMessage(WM_CLOSE);
+    return true;
+}
+
 LRESULT XhtmlFrameView::handleMessage(UINT message, WPARAM wParam, LPARAM lParam)
 {
     const int x = static_cast<short>(LOWORD(lParam));

@@ -76,6 +76,9 @@ public:
 
 protected:
     LRESULT handleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+    // Escape in the frame or in one of its controls closes the frame as its close box does
+    // (WM_CLOSE), unless the control wants the key itself, as an open drop-down list does.
+    bool preTranslateMessage(MSG& message) override;
     // Called after every layout, with the views in place (a subclass places what it adds).
     virtual void onLayout() {}
 
