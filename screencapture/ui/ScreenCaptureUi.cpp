@@ -1,9 +1,9 @@
 #include "screencapture/ui/ScreenCaptureUi.h"
 
 #include "companions/language/Language.h"
+#include "companions/language/LanguageKeys.h"
 #include "companions/settings/Settings.h"
 #include "screencapture/CaptureVocabulary.h"
-#include "screencapture/ui/LanguageKeys.h"
 
 namespace screenCapture {
 
@@ -43,7 +43,7 @@ void ScreenCaptureUi::StartListener::onButtonPressed(const ZString& name)
 
 void ScreenCaptureUi::filterMarkup(ZString& text)
 {
-    replaceLanguageKeys(text, installedLanguage());
+    language::replaceLanguageKeys(text, L"screen-capture/", language::installedLanguage());
 }
 
 LRESULT ScreenCaptureUi::onCreate()
