@@ -3,8 +3,8 @@
 // in one process. Run under Wine (see run-dialog-bench); it prints figures and asserts
 // nothing.
 
+#include "base/win/GdiplusSession.h"
 #include "screencapture/CaptureApi.h"
-#include "screencapture/GdiplusSession.h"
 #include "xhtml/HtmlDocument.h"
 #include "xhtml/win/GdiCanvas.h"
 #include "xhtml/view/ViewTree.h"
@@ -96,7 +96,7 @@ std::wstring thousandRows()
 
 void benchLayout()
 {
-    screenCapture::GdiplusSession gdiplus;
+    GdiplusSession gdiplus;
     xhtml::HtmlDocument document;
     xhtml::MarkupTextFilter unchanged;
     xhtml::StyleRuleList rules;
