@@ -4,11 +4,17 @@
 #include "companions/about/About.h"
 #include "companions/formatoptions/FormatOptions.h"
 #include "companions/language/Language.h"
+#include "companions/language/LanguageFile.h"
 #include "tests/companions/DialogKit.h"
 #include "tests/support/ResourceCounters.h"
 #include "tests/support/ScratchEnvironment.h"
 
 #include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
 
 namespace {
 
@@ -18,19 +24,79 @@ TEST(CompanionDialogs, AreFoundByTheirCNamesAndLeaveNoWindowsHandlesOrGdiObjects
     EXPECT_NE(GetProcAddress(GetModuleHandleW(L"FormatOptions.dll"), "formatOptions_show"), nullptr);
 
     ScratchEnvironment env;
-    const auto openBoth = [] {
+    // Each dialog is painted and has the mouse over it before it is closed, as when a user
+    // looks at it, so that every run does the same.
+    const auto lookedAt = [](HWND dialog) {
+        RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        SendMessageW(dialog, WM_MOUSEMOVE, 0, MAKELPARAM(5, 5));
+    };
+    const auto openBoth = [&] {
         EXPECT_EQ(withDialog(lang_getStr(L"about/title").c_str(), [] { about_show(nullptr); },
-                             [](UiRobot&, HWND box) { closeDialog(box, CloseBy::escape); }),
+                             [&](UiRobot&, HWND box) {
+                                 lookedAt(box);
+                                 closeDialog(box, CloseBy::escape);
+                             }),
                   "");
         EXPECT_EQ(withDialog(lang_getStr(L"format-options/title").c_str(), [] { formatOptions_show(nullptr); },
-                             [](UiRobot&, HWND dialog) { closeDialog(dialog, CloseBy::closeBox); }),
+                             [&](UiRobot&, HWND dialog) {
+                                 lookedAt(dialog);
+                                 closeDialog(dialog, CloseBy::closeBox);
+                             }),
                   "");
     };
-    openBoth(); // what stays loaded after the first time (libraries, fonts) is not a leak
+    openBoth(); // what the system sets up once (libraries, fonts, settings it reads) is not a leak
     const ResourceCounts before = countResources();
     for (int i = 0; i < 4; ++i)
         openBoth();
     EXPECT_EQ(countResourcesSettled(before).describe(), before.describe());
+}
+
+LanguageTexts shippedTexts(const char* fileName)
+{
+    std::ifstream in(std::filesystem::path((ScratchEnvironment::shippedLanguageFolder() + L"\\").c_str()) / fileName,
+                     std::ios::binary);
+    std::ostringstream content;
+    content << in.rdbuf();
+    return parseLanguageFile(content.str());
+}
+
+// The keys in a markup resource of a library, of all four forms ("{lang/KEY}", ...).
+std::vector<std::string> markupKeys(const wchar_t* library, const wchar_t* resource)
+{
+    const HMODULE module = GetModuleHandleW(library);
+    const HRSRC found = FindResourceW(module, resource, RT_RCDATA);
+    const auto* data = found ? static_cast<const char*>(LockResource(LoadResource(module, found))) : nullptr;
+    const std::string markup = data ? std::string(data, SizeofResource(module, found)) : std::string();
+    std::vector<std::string> keys;
+    const std::regex key(R"(\{lang(?:-esq|-edq|-hsc)?/([^}]*)\})");
+    for (std::sregex_iterator at(markup.begin(), markup.end(), key), end; at != end; ++at)
+        keys.push_back((*at)[1]);
+    return keys;
+}
+
+TEST(CompanionDialogs, EveryTextTheirMarkupAndCodeAskForIsInBothShippedLanguages)
+{
+    const struct {
+        const wchar_t* library;
+        const wchar_t* markup;
+        const char* section;
+        std::vector<std::string> codeKeys;
+    } dialogs[] = {
+        {L"About.dll", L"ABOUT.XHTML", "about/", {"title", "version", "language"}},
+        {L"FormatOptions.dll", L"FORMATOPTIONS.XHTML", "format-options/", {"title", "~dpi-invalid", "~jpeg-quality-invalid"}},
+    };
+    for (const char* file : {"en.lng", "de.lng"}) {
+        const LanguageTexts texts = shippedTexts(file);
+        for (const auto& d : dialogs) {
+            std::vector<std::string> keys = markupKeys(d.library, d.markup);
+            EXPECT_GE(keys.size(), 2u) << "the markup of " << ZString(d.library).toUtf8();
+            keys.insert(keys.end(), d.codeKeys.begin(), d.codeKeys.end());
+            for (const std::string& key : keys) {
+                const bool known = texts.count(ZString::fromUtf8(d.section + key)) || texts.count(ZString::fromUtf8(key));
+                EXPECT_TRUE(known) << file << ": " << d.section << key;
+            }
+        }
+    }
 }
 
 } // namespace
