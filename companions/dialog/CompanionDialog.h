@@ -21,7 +21,7 @@ public:
     bool run(HWND owner);
 
 protected:
-    void filterMarkup(ZString& text) override;
+    void filterMarkup(ZString& markup) override;
     // The markup is in and the window shown and active: time to fill and focus the controls.
     virtual void onShown() {}
     virtual void onButton(const ZString& name) = 0;

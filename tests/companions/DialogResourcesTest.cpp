@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
 #include <fstream>
 #include <regex>
 #include <sstream>
@@ -49,6 +50,43 @@ TEST(CompanionDialogs, AreFoundByTheirCNamesAndLeaveNoWindowsHandlesOrGdiObjects
     for (int i = 0; i < 4; ++i)
         openBoth();
     EXPECT_EQ(countResourcesSettled(before).describe(), before.describe());
+    WNDCLASSEXW info = {sizeof info};
+    for (const wchar_t* library : {L"About.dll", L"FormatOptions.dll"})
+        EXPECT_FALSE(GetClassInfoExW(GetModuleHandleW(library), L"XhtmlFrameView", &info)) << "no class stays registered";
+}
+
+// Refuses the markup frames of this thread, as a system out of window resources would.
+LRESULT CALLBACK refuseFrames(int code, WPARAM wParam, LPARAM lParam)
+{
+    if (code == HCBT_CREATEWND && windowClass(reinterpret_cast<HWND>(wParam)) == L"XhtmlFrameView")
+        return 1;
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+TEST(CompanionDialogs, SayWhenTheirWindowCannotBeMadeAndLeaveNothingOpen)
+{
+    ScratchEnvironment env;
+    const struct {
+        const char* what;
+        std::function<bool()> show;
+        const wchar_t* message;
+    } dialogs[] = {
+        {"About", [] { about_show(nullptr); return false; }, L"Could not show the About box"},
+        {"FormatOptions", [] { return formatOptions_show(nullptr); }, L"Could not show the PDF options"},
+    };
+    const HHOOK hook = SetWindowsHookExW(WH_CBT, refuseFrames, nullptr, GetCurrentThreadId());
+    ASSERT_NE(hook, nullptr);
+    for (const auto& d : dialogs) {
+        MessageBoxInfo box;
+        UiRobot robot([&](UiRobot& r) { box = answerMessageBox(r); });
+        EXPECT_FALSE(d.show()) << d.what;
+        EXPECT_EQ(robot.finish(), "") << d.what;
+        EXPECT_EQ(box.text, d.message) << d.what;
+        EXPECT_EQ(box.title, L"Error") << d.what;
+        EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONWARNING)) << d.what;
+        EXPECT_TRUE(processWindows().empty()) << d.what;
+    }
+    UnhookWindowsHookEx(hook);
 }
 
 LanguageTexts shippedTexts(const char* fileName)
