@@ -14,14 +14,10 @@ std::string withDialog(const std::wstring& title, const std::function<void()>& s
 
 void closeDialog(HWND dialog, CloseBy how)
 {
-    switch (how) {
-    case CloseBy::escape:
+    if (how == CloseBy::escape)
         pressKey(focusOf(dialog), VK_ESCAPE);
-        break;
-    case CloseBy::closeBox: // what a click on the caption's close box sends
-        PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0);
-        break;
-    }
+    else
+        PostMessageW(dialog, WM_SYSCOMMAND, SC_CLOSE, 0); // what a click on the close box sends
 }
 
 std::vector<HWND> controls(HWND dialog, const wchar_t* className)
@@ -41,11 +37,6 @@ HWND buttonLabelled(HWND dialog, const std::wstring& label)
             return button;
     }
     throw RobotFailure("no button labelled as expected");
-}
-
-void click(HWND button)
-{
-    pressButton(GetParent(button), GetDlgCtrlID(button));
 }
 
 HWND focusOf(HWND window)

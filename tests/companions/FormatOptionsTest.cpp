@@ -4,68 +4,58 @@
 
 #include "base/win/RegistryKey.h"
 #include "companions/formatoptions/FormatOptions.h"
-#include "companions/language/Language.h"
-#include "companions/settings/Settings.h"
 #include "tests/companions/DialogKit.h"
-#include "tests/support/ScratchEnvironment.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 const uint32_t kUnwritten = 0xDEADBEEF;
+const std::vector<uint32_t> kNothingStored(4, kUnwritten);
 const wchar_t* const kKeys[] = {L"Img2PdfDpi", L"Img2PdfJpegQuality", L"Img2PdfPassThroughJpg", L"Img2PdfOptForA4"};
 
-std::wstring text(const wchar_t* key) { return lang_getStr(key).c_str(); }
-std::wstring title() { return text(L"format-options/title"); }
-
-// What the dialog shows or holds: the two numbers and the two check marks.
-struct Shown {
-    std::wstring dpi, quality;
-    bool passThrough, a4;
-    bool operator==(const Shown& o) const
-    {
-        return dpi == o.dpi && quality == o.quality && passThrough == o.passThrough && a4 == o.a4;
-    }
+// The dialog's controls in markup order.
+struct Form {
+    HWND dialog, dpi, quality, passThrough, a4;
 };
 
-// The dialog's two fields (resolution, quality) and two checkboxes, in markup order.
-struct Controls {
-    explicit Controls(HWND dialog) : dialog(dialog)
-    {
-        const std::vector<HWND> edits = controls(dialog, L"Edit");
-        for (HWND button : controls(dialog, L"Button")) {
-            if ((GetWindowLongW(button, GWL_STYLE) & BS_TYPEMASK) == BS_AUTOCHECKBOX)
-                checks.push_back(button);
-        }
-        if (edits.size() != 2 || checks.size() != 2)
-            throw RobotFailure("the dialog has not two fields and two checkboxes");
-        dpi = edits[0];
-        quality = edits[1];
-    }
-    Shown shown() const
-    {
-        const auto checked = [](HWND box) { return SendMessageW(box, BM_GETCHECK, 0, 0) == BST_CHECKED; };
-        return Shown{windowText(dpi), windowText(quality), checked(checks[0]), checked(checks[1])};
-    }
-    // Types both numbers and clicks the checkboxes that should change.
-    void enter(const Shown& wanted) const
-    {
-        typeText(dpi, wanted.dpi);
-        typeText(quality, wanted.quality);
-        const Shown now = shown();
-        if (now.passThrough != wanted.passThrough)
-            SendMessageW(checks[0], BM_CLICK, 0, 0);
-        if (now.a4 != wanted.a4)
-            SendMessageW(checks[1], BM_CLICK, 0, 0);
-    }
-    void press(const wchar_t* labelKey) const { click(buttonLabelled(dialog, text(labelKey))); }
+bool checked(HWND box) { return SendMessageW(box, BM_GETCHECK, 0, 0) == BST_CHECKED; }
 
-    HWND dialog, dpi, quality;
-    std::vector<HWND> checks;
-};
+// "resolution quality pass-through A4" as shown, as "144 100 on on".
+std::wstring shown(const Form& f)
+{
+    return windowText(f.dpi) + L" " + windowText(f.quality) + (checked(f.passThrough) ? L" on" : L" off")
+           + (checked(f.a4) ? L" on" : L" off");
+}
 
-// The four user values as stored, kUnwritten where none is.
+void enter(const Form& f, const wchar_t* dpi, const wchar_t* quality, bool passThrough = true, bool a4 = true)
+{
+    typeText(f.dpi, dpi);
+    typeText(f.quality, quality);
+    for (auto [box, wanted] : {std::pair(f.passThrough, passThrough), {f.a4, a4}}) {
+        if (checked(box) != wanted)
+            SendMessageW(box, BM_CLICK, 0, 0);
+    }
+}
+
+void press(const Form& f, const wchar_t* label) { pressButton(f.dialog, GetDlgCtrlID(buttonLabelled(f.dialog, label))); }
+
+// Shows the dialog while the robot acts on it; whether the user's values were stored.
+bool showWith(const std::function<void(UiRobot&, const Form&)>& act)
+{
+    bool saved = false;
+    EXPECT_EQ(withDialog(L"PDF Options for Pictures", [&] { saved = formatOptions_show(nullptr); },
+                         [&](UiRobot& robot, HWND dialog) {
+                             const std::vector<HWND> edits = controls(dialog, L"Edit");
+                             const std::vector<HWND> buttons = controls(dialog, L"Button");
+                             if (edits.size() != 2 || buttons.size() != 4)
+                                 throw RobotFailure("not the options form");
+                             act(robot, Form{dialog, edits[0], edits[1], buttons[0], buttons[1]});
+                         }),
+              "");
+    return saved;
+}
+
 std::vector<uint32_t> storedUserValues()
 {
     std::vector<uint32_t> values;
@@ -77,114 +67,85 @@ std::vector<uint32_t> storedUserValues()
 TEST(FormatOptions, OpensWithTheValuesThePdfPathReadsAndOkStoresTheUsersValues)
 {
     const struct {
-        const char* what;
         std::vector<uint32_t> program; // empty: none
-        Shown opens, entered;
+        const wchar_t* opens;
+        const wchar_t *dpi, *quality;
+        bool passThrough, a4;
         std::vector<uint32_t> stored;
     } cases[] = {
-        {"the defaults", {}, {L"144", L"100", true, true}, {L" 96 ", L"100", false, true}, {96, 100, 0, 1}},
-        {"program values, the quality clamped", {300, 250, 0, 0}, {L"300", L"100", false, false},
-         {L"1", L"+0", true, false}, {1, 0, 1, 0}},
+        {{}, L"144 100 on on", L" 96 ", L"100", false, true, {96, 100, 0, 1}},
+        {{300, 250, 0, 0}, L"300 100 off off", L"1", L"+0", true, false, {1, 0, 1, 0}}, // the quality clamped
     };
     for (const auto& c : cases) {
-        ScratchEnvironment env;
+        EnglishScratch env;
         const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
         for (size_t i = 0; i < c.program.size(); ++i)
             ASSERT_TRUE(program.writeDword(kKeys[i], c.program[i]));
-        Shown opened{};
-        bool saved = false;
-        const std::string failure = withDialog(title(), [&] { saved = formatOptions_show(nullptr); },
-                                               [&](UiRobot&, HWND dialog) {
-                                                   const Controls controls(dialog);
-                                                   opened = controls.shown();
-                                                   if (focusOf(dialog) != controls.dpi)
-                                                       throw RobotFailure("the resolution has not the focus");
-                                                   controls.enter(c.entered);
-                                                   controls.press(L"general/ok");
-                                               });
-        EXPECT_EQ(failure, "") << c.what;
-        EXPECT_TRUE(opened == c.opens) << c.what;
-        EXPECT_TRUE(saved) << c.what;
-        EXPECT_EQ(storedUserValues(), c.stored) << c.what;
+        std::wstring opened;
+        EXPECT_TRUE(showWith([&](UiRobot&, const Form& f) {
+            opened = focusOf(f.dialog) == f.dpi ? shown(f) : L"the resolution has not the focus";
+            enter(f, c.dpi, c.quality, c.passThrough, c.a4);
+            press(f, L"OK");
+        }));
+        EXPECT_EQ(opened, c.opens);
+        EXPECT_EQ(storedUserValues(), c.stored) << ZString(c.opens).toUtf8();
     }
 }
 
 TEST(FormatOptions, RefusesNumbersOutOfRangeOrNotWholeWithAMessageAndStaysOpen)
 {
-    ScratchEnvironment env;
-    const std::wstring badDpi = text(L"format-options/~dpi-invalid");
-    const std::wstring badQuality = text(L"format-options/~jpeg-quality-invalid");
+    EnglishScratch env;
+    const wchar_t* const badDpi = L"The resolution must be a whole number greater than 0.";
+    const wchar_t* const badQuality = L"The JPEG quality must be a whole number from 0 to 100.";
     const struct {
-        const wchar_t* dpi;
-        const wchar_t* quality;
-        const std::wstring& message;
-        bool inDpi; // where the focus goes back to
+        const wchar_t *dpi, *quality, *message;
     } refused[] = {
-        {L"0", L"80", badDpi, true},    {L"-72", L"80", badDpi, true},        {L"abc", L"80", badDpi, true},
-        {L"", L"80", badDpi, true},     {L"1.5", L"80", badDpi, true},        {L"3000000000", L"80", badDpi, true},
-        {L"72", L"101", badQuality, false}, {L"72", L"-1", badQuality, false}, {L"72", L"high", badQuality, false},
+        {L"0", L"80", badDpi},    {L"-72", L"80", badDpi},        {L"abc", L"80", badDpi},
+        {L"", L"80", badDpi},     {L"1.5", L"80", badDpi},        {L"3000000000", L"80", badDpi},
+        {L"72", L"101", badQuality}, {L"72", L"-1", badQuality}, {L"72", L"high", badQuality},
     };
-    std::vector<std::string> wrong;
-    bool saved = true;
-    const std::string failure = withDialog(title(), [&] { saved = formatOptions_show(nullptr); },
-                                           [&](UiRobot& robot, HWND dialog) {
-                                               const Controls controls(dialog);
-                                               for (const auto& r : refused) {
-                                                   controls.enter(Shown{r.dpi, r.quality, true, true});
-                                                   controls.press(L"general/ok");
-                                                   const MessageBoxInfo box = answerMessageBox(robot);
-                                                   HWND field = r.inDpi ? controls.dpi : controls.quality;
-                                                   const bool focused =
-                                                       pumpUntil([&] { return focusOf(dialog) == field; }, 5000);
-                                                   if (box.text != r.message || box.title != title()
-                                                       || box.icon != MB_ICONWARNING || !focused || !IsWindow(dialog))
-                                                       wrong.push_back(ZString(r.dpi).toUtf8() + "/"
-                                                                       + ZString(r.quality).toUtf8());
-                                               }
-                                               controls.press(L"general/cancel");
-                                           });
-    EXPECT_EQ(failure, "");
-    EXPECT_TRUE(wrong.empty()) << wrong.front();
-    EXPECT_FALSE(saved);
-    EXPECT_EQ(storedUserValues(), std::vector<uint32_t>(4, kUnwritten));
+    std::vector<std::wstring> seen, expected;
+    EXPECT_FALSE(showWith([&](UiRobot& robot, const Form& f) {
+        for (const auto& r : refused) {
+            enter(f, r.dpi, r.quality);
+            press(f, L"OK");
+            const MessageBoxInfo box = answerMessageBox(robot);
+            HWND field = r.message == badDpi ? f.dpi : f.quality;
+            const bool focused = pumpUntil([&] { return focusOf(f.dialog) == field; }, 5000);
+            seen.push_back(box.title + L": " + box.text + (focused && IsWindow(f.dialog) ? L"" : L" (focus lost)")
+                           + (box.icon == MB_ICONWARNING ? L"" : L" (no warning)"));
+            expected.push_back(std::wstring(L"PDF Options for Pictures: ") + r.message);
+        }
+        press(f, L"Cancel");
+    }));
+    EXPECT_EQ(seen, expected);
+    EXPECT_EQ(storedUserValues(), kNothingStored);
 }
 
 TEST(FormatOptions, CancelEscapeAndTheCloseBoxStoreNothingAndAFailedStoreKeepsTheDialogOpen)
 {
-    ScratchEnvironment env;
+    EnglishScratch env;
     for (int way = 0; way < 3; ++way) {
-        bool saved = true;
-        const std::string failure = withDialog(title(), [&] { saved = formatOptions_show(nullptr); },
-                                               [&](UiRobot&, HWND dialog) {
-                                                   const Controls controls(dialog);
-                                                   controls.enter(Shown{L"300", L"50", false, false});
-                                                   if (way == 0)
-                                                       controls.press(L"general/cancel");
-                                                   else
-                                                       closeDialog(dialog, way == 1 ? CloseBy::escape : CloseBy::closeBox);
-                                               });
-        EXPECT_EQ(failure, "") << way;
-        EXPECT_FALSE(saved) << way;
-        EXPECT_EQ(storedUserValues(), std::vector<uint32_t>(4, kUnwritten)) << way;
+        EXPECT_FALSE(showWith([&](UiRobot&, const Form& f) {
+            enter(f, L"300", L"50", false, false);
+            if (way == 0)
+                press(f, L"Cancel");
+            else
+                closeDialog(f.dialog, way == 1 ? CloseBy::escape : CloseBy::closeBox);
+        }));
+        EXPECT_EQ(storedUserValues(), kNothingStored) << way;
     }
 
-    // Registry key names are limited to 255 characters: nothing can be written there.
-    settings_redirect(env.registryKey() + L"\\" + ZString(300, L'x'));
+    settings_redirect(env.registryKey() + L"\\" + ZString(300, L'x')); // key names over 255 characters fail
     MessageBoxInfo box;
-    bool saved = true;
-    const std::string failure = withDialog(title(), [&] { saved = formatOptions_show(nullptr); },
-                                           [&](UiRobot& robot, HWND dialog) {
-                                               const Controls controls(dialog);
-                                               controls.press(L"general/ok");
-                                               box = answerMessageBox(robot);
-                                               if (!IsWindow(dialog))
-                                                   throw RobotFailure("the dialog closed after a failed store");
-                                               controls.press(L"general/cancel");
-                                           });
-    EXPECT_EQ(failure, "");
-    EXPECT_FALSE(saved);
-    EXPECT_EQ(box.text, L"Could not save the PDF options");
-    EXPECT_EQ(box.title, L"Error");
+    EXPECT_FALSE(showWith([&](UiRobot& robot, const Form& f) {
+        press(f, L"OK");
+        box = answerMessageBox(robot);
+        if (!IsWindow(f.dialog))
+            throw RobotFailure("the dialog closed after a failed store");
+        press(f, L"Cancel");
+    }));
+    EXPECT_EQ(box.title + L": " + box.text, L"Error: Could not save the PDF options");
     EXPECT_EQ(box.icon, static_cast<UINT>(MB_ICONWARNING));
 }
 

@@ -5,9 +5,14 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -27,6 +32,20 @@ void chooseLanguage(ScratchEnvironment& env, const ZString& code,
     env.useLanguageFolder(folder);
 }
 
+// The keys in a markup resource of a library, of all four forms ("{lang/KEY}", ...).
+std::vector<std::string> markupKeys(const wchar_t* library, const wchar_t* resource)
+{
+    const HMODULE module = GetModuleHandleW(library);
+    const HRSRC found = FindResourceW(module, resource, RT_RCDATA);
+    const auto* data = found ? static_cast<const char*>(LockResource(LoadResource(module, found))) : nullptr;
+    const std::string markup = data ? std::string(data, SizeofResource(module, found)) : std::string();
+    std::vector<std::string> keys;
+    const std::regex key(R"(\{lang(?:-esq|-edq|-hsc)?/([^}]*)\})");
+    for (std::sregex_iterator at(markup.begin(), markup.end(), key), end; at != end; ++at)
+        keys.push_back((*at)[1]);
+    return keys;
+}
+
 // What lang_getCurrent() says, in one line.
 std::string current()
 {
@@ -35,7 +54,7 @@ std::string current()
         .toUtf8();
 }
 
-TEST(Language, ShippedLanguagesHaveTheSameKeysAndEveryTextTheModuleUses)
+TEST(Language, ShippedLanguagesHaveTheSameKeysAndEveryTextTheModuleAndTheDialogsUse)
 {
     const LanguageTexts english = shippedTexts("en.lng");
     const LanguageTexts german = shippedTexts("de.lng");
@@ -50,6 +69,24 @@ TEST(Language, ShippedLanguagesHaveTheSameKeysAndEveryTextTheModuleUses)
                             "mode/active-window", "mode/active-window-content", "target/print-on-pdf-printer",
                             "target/copy-to-clipboard", "target/open-with-default-image-editor", "target/save-to-file"})
         EXPECT_EQ(english.count(ZString(L"screen-capture/") + ZString::fromUtf8(key)), 1u) << key;
+
+    // The companions' dialogs look keys up in their own section first, then as they are.
+    const struct {
+        const wchar_t *library, *markup;
+        std::string section;
+        std::vector<std::string> codeKeys;
+    } dialogs[] = {
+        {L"About.dll", L"ABOUT.XHTML", "about/", {"title", "version", "language"}},
+        {L"FormatOptions.dll", L"FORMATOPTIONS.XHTML", "format-options/", {"title", "~dpi-invalid", "~jpeg-quality-invalid"}},
+    };
+    for (const auto& d : dialogs) {
+        std::vector<std::string> keys = markupKeys(d.library, d.markup);
+        EXPECT_GE(keys.size(), 2u) << d.section;
+        keys.insert(keys.end(), d.codeKeys.begin(), d.codeKeys.end());
+        for (const std::string& key : keys)
+            EXPECT_TRUE(english.count(ZString::fromUtf8(d.section + key)) || english.count(ZString::fromUtf8(key)))
+                << d.section << key;
+    }
 }
 
 TEST(Language, UserValueChoosesTheLanguageWhenItHasAFileElseEnglish)
