@@ -3,6 +3,7 @@
 // the resolution, and the pixels go in as the source's own JPEG bytes, as packed palette
 // indexes, or as a new JPEG. GDI+ must be started by the caller.
 
+#include "image/ConversionOptions.h"
 #include "zpdf/Document.h"
 
 #include <windows.h>
@@ -14,13 +15,6 @@
 #include <vector>
 
 namespace imageToPdf {
-
-struct ConversionOptions {
-    int32_t dpi = 144;
-    int32_t jpegQuality = 100;    // for re-encoding a picture that was not a JPEG file
-    bool optForA4 = true;         // longer page side at most 842 points
-    bool passThroughJpg = true;   // embed a JPEG file's bytes unchanged where allowed
-};
 
 class ImageToPdf {
 public:

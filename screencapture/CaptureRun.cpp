@@ -1,8 +1,8 @@
 #include "screencapture/CaptureRun.h"
 
+#include "base/win/GdiplusSession.h"
 #include "screencapture/Delivery.h"
 #include "screencapture/DpiAwareness.h"
-#include "screencapture/GdiplusSession.h"
 #include "screencapture/ModuleInstance.h"
 #include "screencapture/ScreenCapture.h"
 #include "screencapture/ui/ScreenCaptureUi.h"

@@ -1,14 +1,12 @@
 #include "screencapture/PdfDelivery.h"
 
 #include "base/win/TempFolder.h"
-#include "companions/settings/Settings.h"
+#include "image/ConversionSettings.h"
 #include "screencapture/AssistantHandOff.h"
 #include "zpdf/FileWriter.h"
 #include "zpdf/Names.h"
 #include "zpdf/PdfException.h"
 #include "zpdf/String.h"
-
-#include <algorithm>
 
 namespace screenCapture {
 
@@ -49,11 +47,7 @@ PdfConversion pdfConversion = convertWithGdiplus;
 
 imageToPdf::ConversionOptions pdfOptionsFromConfiguration()
 {
-    imageToPdf::ConversionOptions options;
-    options.dpi = static_cast<int32_t>(config_getDword(L"Img2PdfDpi", 144));
-    options.jpegQuality = std::clamp(static_cast<int32_t>(config_getDword(L"Img2PdfJpegQuality", 100)), 0, 100);
-    options.passThroughJpg = config_getBool(L"Img2PdfPassThroughJpg", true);
-    options.optForA4 = config_getBool(L"Img2PdfOptForA4", true);
+    imageToPdf::ConversionOptions options = imageToPdf::configuredOptions();
     // A capture is always encoded at full quality; the configured value is for other
     // pictures and deliberately has no effect here.
     options.jpegQuality = 100;

@@ -4,11 +4,11 @@
 
 #include "base/win/DibHeader.h"
 #include "base/win/GdiHandles.h"
+#include "base/win/GdiplusSession.h"
 #include "base/win/TempFolder.h"
 #include "companions/notifyicon/NotifyIcon.h"
 #include "image/GdiplusHelpers.h"
 #include "screencapture/CaptureApi.h"
-#include "screencapture/GdiplusSession.h"
 #include "screencapture/ScreenCapture.h"
 
 #include <algorithm>

@@ -7,12 +7,12 @@
 // the in-app page can load from a port of this machine that nobody listens on: no request
 // leaves the machine, and the page fails as it does offline.
 
+#include "base/win/GdiplusSession.h"
 #include "base/win/RegistryKey.h"
 #include "browser/InAppAddress.h"
 #include "companions/settings/Settings.h"
 #include "screencapture/CaptureApi.h"
 #include "screencapture/CaptureRun.h"
-#include "screencapture/GdiplusSession.h"
 #include "screencapture/ModuleInstance.h"
 #include "xhtml/HtmlDocument.h"
 #include "xhtml/win/GdiCanvas.h"
@@ -121,7 +121,7 @@ std::wstring thousandRows()
 
 void benchLayout()
 {
-    screenCapture::GdiplusSession gdiplus;
+    GdiplusSession gdiplus;
     xhtml::HtmlDocument document;
     xhtml::MarkupTextFilter unchanged;
     xhtml::StyleRuleList rules;

@@ -4,8 +4,8 @@
 // Moves are sent on the overlay's own thread from a thread timer that its message loop
 // dispatches, so each figure is the handler's own work, without any thread switch.
 
+#include "base/win/GdiplusSession.h"
 #include "screencapture/DpiAwareness.h"
-#include "screencapture/GdiplusSession.h"
 #include "screencapture/ScreenCapture.h"
 
 #include <windows.h>
@@ -142,7 +142,7 @@ Run runOverlay(TIMERPROC tick, bool measureMoves)
 int main()
 {
     screenCapture::makeProcessDpiAware();
-    screenCapture::GdiplusSession gdiplus;
+    GdiplusSession gdiplus;
     hook = SetWindowsHookExW(WH_GETMESSAGE, watchMessages, nullptr, GetCurrentThreadId());
     const int width = GetSystemMetrics(SM_CXVIRTUALSCREEN);
     const int height = GetSystemMetrics(SM_CYVIRTUALSCREEN);

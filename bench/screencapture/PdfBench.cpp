@@ -5,12 +5,12 @@
 //   pdf_bench WIDTH HEIGHT OUTPUT_FOLDER
 
 #include "base/win/GdiHandles.h"
+#include "base/win/GdiplusSession.h"
 #include "base/win/TempFolder.h"
 #include "image/GdiplusHelpers.h"
 #include "image/ImagePdfRules.h"
 #include "image/ImageToPdf.h"
 #include "screencapture/CaptureApi.h"
-#include "screencapture/GdiplusSession.h"
 #include "screencapture/PdfDelivery.h"
 #include "zpdf/FileWriter.h"
 
@@ -210,7 +210,7 @@ int wmain(int argc, wchar_t** argv)
     StepTimes times;
     size_t base = 0, peak = 0;
     {
-        screenCapture::GdiplusSession gdiplus;
+        GdiplusSession gdiplus;
         // The memory of a conversion counts the picture itself: measured from before it.
         base = memoryCounters().PagefileUsage;
         auto picture = screenLikePicture(width, height);

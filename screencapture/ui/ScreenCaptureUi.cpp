@@ -2,9 +2,9 @@
 
 #include "browser/AppInfo.h"
 #include "companions/language/Language.h"
+#include "companions/language/LanguageKeys.h"
 #include "companions/settings/Settings.h"
 #include "screencapture/CaptureVocabulary.h"
-#include "screencapture/ui/LanguageKeys.h"
 
 namespace screenCapture {
 
@@ -44,7 +44,7 @@ void ScreenCaptureUi::StartListener::onButtonPressed(const ZString& name)
 
 void ScreenCaptureUi::filterMarkup(ZString& text)
 {
-    replaceLanguageKeys(text, installedLanguage());
+    language::replaceLanguageKeys(text, L"screen-capture/", language::installedLanguage());
 }
 
 LRESULT ScreenCaptureUi::onCreate()

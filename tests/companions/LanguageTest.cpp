@@ -5,9 +5,15 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <sstream>
+#include <string>
+#include <tuple>
+#include <vector>
 
 namespace {
 
@@ -27,6 +33,20 @@ void chooseLanguage(ScratchEnvironment& env, const ZString& code,
     env.useLanguageFolder(folder);
 }
 
+// The keys in a markup resource of a library, of all four forms ("{lang/KEY}", ...).
+std::vector<std::string> markupKeys(const wchar_t* library, const wchar_t* resource)
+{
+    const HMODULE module = GetModuleHandleW(library);
+    const HRSRC found = FindResourceW(module, resource, RT_RCDATA);
+    const auto* data = found ? static_cast<const char*>(LockResource(LoadResource(module, found))) : nullptr;
+    const std::string markup = data ? std::string(data, SizeofResource(module, found)) : std::string();
+    std::vector<std::string> keys;
+    const std::regex key(R"(\{lang(?:-esq|-edq|-hsc)?/([^}]*)\})");
+    for (std::sregex_iterator at(markup.begin(), markup.end(), key), end; at != end; ++at)
+        keys.push_back((*at)[1]);
+    return keys;
+}
+
 // What lang_getCurrent() says, in one line.
 std::string current()
 {
@@ -35,7 +55,7 @@ std::string current()
         .toUtf8();
 }
 
-TEST(Language, ShippedLanguagesHaveTheSameKeysAndEveryTextTheModuleUses)
+TEST(Language, ShippedLanguagesHaveTheSameKeysAndEveryTextTheModuleAndTheDialogsUse)
 {
     const LanguageTexts english = shippedTexts("en.lng");
     const LanguageTexts german = shippedTexts("de.lng");
@@ -50,6 +70,16 @@ TEST(Language, ShippedLanguagesHaveTheSameKeysAndEveryTextTheModuleUses)
                             "mode/active-window", "mode/active-window-content", "target/print-on-pdf-printer",
                             "target/copy-to-clipboard", "target/open-with-default-image-editor", "target/save-to-file"})
         EXPECT_EQ(english.count(ZString(L"screen-capture/") + ZString::fromUtf8(key)), 1u) << key;
+
+    // The markup of the companions' dialogs looks keys up in its section first, then as they are.
+    for (const auto& [library, markup, section] : {std::tuple(L"About.dll", L"ABOUT.XHTML", "about/"),
+                                                   {L"FormatOptions.dll", L"FORMATOPTIONS.XHTML", "format-options/"}}) {
+        const std::vector<std::string> keys = markupKeys(library, markup);
+        EXPECT_GE(keys.size(), 2u) << section;
+        for (const std::string& key : keys)
+            EXPECT_TRUE(english.count(ZString::fromUtf8(section + key)) || english.count(ZString::fromUtf8(key)))
+                << section << key;
+    }
 }
 
 TEST(Language, UserValueChoosesTheLanguageWhenItHasAFileElseEnglish)

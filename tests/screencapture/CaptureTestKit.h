@@ -1,7 +1,7 @@
 #pragma once
 // What the capture tests share.
 
-#include "screencapture/GdiplusSession.h"
+#include "base/win/GdiplusSession.h"
 #include "tests/support/ScratchEnvironment.h"
 #include "tests/support/TestPixels.h"
 
@@ -14,7 +14,7 @@
 class CaptureTest : public testing::Test {
 protected:
     ScratchEnvironment env;
-    screenCapture::GdiplusSession gdiplus;
+    GdiplusSession gdiplus;
 };
 
 PixelGrid imagePixels(Gdiplus::Bitmap& image);

@@ -195,6 +195,14 @@ HWND focusedWindow(HWND window)
     return GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info) ? info.hwndFocus : nullptr;
 }
 
+void postKey(HWND focus, UINT virtualKey)
+{
+    // Repeat count 1 and the scan code; a release also has the previous-state and transition bits.
+    const UINT scanCode = MapVirtualKeyW(virtualKey, MAPVK_VK_TO_VSC) << 16;
+    PostMessageW(focus, WM_KEYDOWN, virtualKey, static_cast<LPARAM>(scanCode | 1u));
+    PostMessageW(focus, WM_KEYUP, virtualKey, static_cast<LPARAM>(scanCode | 0xC0000001u));
+}
+
 std::wstring windowText(HWND window)
 {
     std::wstring text(static_cast<size_t>(window ? GetWindowTextLengthW(window) : 0) + 1, L'\0');

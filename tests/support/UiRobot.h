@@ -61,6 +61,9 @@ void typeText(HWND edit, const std::wstring& text);
 void pressKey(WORD key, bool shift = false);
 // The window with the keyboard focus in `window`'s thread, asked from any thread.
 HWND focusedWindow(HWND window);
+// Posts a key's down and up messages to `focus`, the window with the keyboard focus, as the
+// keyboard does.
+void postKey(HWND focus, UINT virtualKey);
 std::wstring windowText(HWND window);
 std::wstring windowClass(HWND window);
 // Visible top-level windows of this process.

@@ -31,6 +31,13 @@ public:
 
     // A select shown as a list rather than a drop-down.
     bool isList() const { return type == ControlType::select && (multiple || visibleRows > 1); }
+    // Text fields of every kind (text, password, hidden, file, text area): `value` is their text.
+    bool holdsText() const
+    {
+        return type != ControlType::button && type != ControlType::checkbox && type != ControlType::radio
+               && type != ControlType::select;
+    }
+    bool isCheckable() const { return type == ControlType::checkbox || type == ControlType::radio; }
 
     // Selects the option with this value, quietly. In a single-choice select every other
     // option loses its mark. Without such an option the selection stays; false then.

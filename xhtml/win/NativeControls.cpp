@@ -188,6 +188,22 @@ void NativeControls::showSelection(const View& select)
     SendMessageW(window, CB_SETCURSEL, static_cast<WPARAM>(control.shownIndex()), 0);
 }
 
+void NativeControls::showState(const View& view)
+{
+    HWND window = windowOf(view);
+    const ControlModel& control = *view.control;
+    if (!window || control.type == ControlType::button)
+        return;
+    if (control.type == ControlType::select) {
+        showSelection(view);
+    } else if (control.isCheckable()) {
+        SendMessageW(window, BM_SETCHECK, control.checked ? BST_CHECKED : BST_UNCHECKED, 0);
+    } else {
+        const std::wstring text = control.type == ControlType::textarea ? withCrLf(control.value) : control.value.c_str();
+        SetWindowTextW(window, text.c_str());
+    }
+}
+
 void NativeControls::readBack(View& view)
 {
     HWND window = windowOf(view);

@@ -34,6 +34,8 @@ public:
     bool onCommand(WPARAM wParam, LPARAM lParam, ButtonListener* listener);
     // Shows the model's selection in the select's window, without a change notification.
     void showSelection(const View& select);
+    // Shows the model's text, check mark or selection in the view's window.
+    void showState(const View& view);
     HWND windowOf(const View& view) const;
     // All the windows, in document order.
     std::vector<HWND> windows() const;

@@ -198,6 +198,68 @@ ZString XhtmlFrameView::selectValue(const ZString& id)
     return view->control->selectedValue();
 }
 
+View* XhtmlFrameView::controlView(const ZString& id, bool (ControlModel::*kind)() const)
+{
+    View* view = views_.findById(id);
+    return view && view->control && (*view->control.*kind)() ? view : nullptr;
+}
+
+void XhtmlFrameView::showState(View& view)
+{
+    if (controls_)
+        controls_->showState(view);
+}
+
+bool XhtmlFrameView::setFieldValue(const ZString& id, const ZString& value)
+{
+    View* view = controlView(id, &ControlModel::holdsText);
+    if (!view)
+        return false;
+    view->control->value = value;
+    showState(*view);
+    return true;
+}
+
+ZString XhtmlFrameView::fieldValue(const ZString& id)
+{
+    View* view = controlView(id, &ControlModel::holdsText);
+    if (!view)
+        return ZString();
+    if (controls_)
+        controls_->readBack(*view);
+    return view->control->value;
+}
+
+bool XhtmlFrameView::setChecked(const ZString& id, bool checked)
+{
+    View* view = controlView(id, &ControlModel::isCheckable);
+    if (!view)
+        return false;
+    ControlModel& control = *view->control;
+    if (checked && control.type == ControlType::radio) {
+        views_.forEach([&](View& other) {
+            if (&other != view && other.control && other.control->type == ControlType::radio
+                && other.control->name == control.name && other.control->checked) {
+                other.control->checked = false;
+                showState(other);
+            }
+        });
+    }
+    control.checked = checked;
+    showState(*view);
+    return true;
+}
+
+bool XhtmlFrameView::isChecked(const ZString& id)
+{
+    View* view = controlView(id, &ControlModel::isCheckable);
+    if (!view)
+        return false;
+    if (controls_)
+        controls_->readBack(*view);
+    return view->control->checked;
+}
+
 HWND XhtmlFrameView::controlWindow(const ZString& id)
 {
     View* view = views_.findById(id);

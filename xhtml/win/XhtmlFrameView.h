@@ -63,6 +63,17 @@ public:
     bool setSelectValue(const ZString& id, const ZString& value);
     // The value of the select's selected option as the user left it; empty without one.
     ZString selectValue(const ZString& id);
+    // Sets the text of the text field (of any kind, text areas included) with this id; false
+    // when there is no such field.
+    bool setFieldValue(const ZString& id, const ZString& value);
+    // The field's text as the user left it; empty when there is no such field.
+    ZString fieldValue(const ZString& id);
+    // Checks or clears the checkbox or radio button with this id; checking a radio button
+    // clears the others of its name. False when there is no such control.
+    bool setChecked(const ZString& id, bool checked);
+    // Whether the checkbox or radio button is checked as the user left it; false when there
+    // is no such control.
+    bool isChecked(const ZString& id);
     HWND controlWindow(const ZString& id);
 
 protected:
@@ -72,6 +83,10 @@ protected:
 
 private:
     void relayout();
+    // The control view with this id whose model passes `kind`, or null.
+    View* controlView(const ZString& id, bool (ControlModel::*kind)() const);
+    // Shows the model's state in the control's window after a change by the program.
+    void showState(View& view);
     void paint();
     void onMouseMove(int x, int y);
     void onButton(int x, int y, PointerState state, bool down);

@@ -66,6 +66,47 @@ TEST_F(MarkupHost, SelectValueIsSetQuietlyByOptionValueAndReadBackAsTheUserLeftI
     EXPECT_EQ(frame.selectValue(L"m"), ZString(L"2"));
 }
 
+const wchar_t* const kFields =
+    L"<input id=t value='start'/><input id=p type=password/><textarea id=a>one</textarea><input id=h type=hidden/>"
+    L"<input id=c type=checkbox checked/><input id=r1 type=radio name=g checked/><input id=r2 type=radio name=g/>"
+    L"<select id=list><option>a</option></select>";
+
+TEST_F(MarkupHost, FieldTextsAndCheckMarksAreSetByIdAndReadBackAsTheUserLeftThem)
+{
+    frame.setMarkup(kFields);
+    EXPECT_EQ(frame.fieldValue(L"t"), ZString(L"start"));
+    const struct {
+        const wchar_t* id;
+        const wchar_t* set;
+        const wchar_t* shown; // null: no window
+    } fields[] = {{L"t", L"72", L"72"}, {L"p", L"secret", L"secret"}, {L"a", L"one\ntwo", L"one\r\ntwo"}, {L"h", L"x", nullptr}};
+    for (const auto& f : fields) {
+        EXPECT_TRUE(frame.setFieldValue(f.id, f.set)) << f.id;
+        if (f.shown) {
+            EXPECT_EQ(windowText(frame.controlWindow(f.id)), f.shown) << f.id;
+        }
+        EXPECT_EQ(frame.fieldValue(f.id), ZString(f.shown ? f.shown : f.set)) << f.id;
+    }
+    typeText(frame.controlWindow(L"t"), L"300");
+    EXPECT_EQ(frame.fieldValue(L"t"), ZString(L"300"));
+
+    EXPECT_TRUE(frame.isChecked(L"c"));
+    EXPECT_TRUE(frame.setChecked(L"c", false));
+    EXPECT_EQ(SendMessageW(frame.controlWindow(L"c"), BM_GETCHECK, 0, 0), BST_UNCHECKED);
+    SendMessageW(frame.controlWindow(L"c"), BM_SETCHECK, BST_CHECKED, 0); // however the user's mark arrived
+    EXPECT_TRUE(frame.isChecked(L"c"));
+    EXPECT_TRUE(frame.setChecked(L"r2", true));
+    EXPECT_EQ(SendMessageW(frame.controlWindow(L"r1"), BM_GETCHECK, 0, 0), BST_UNCHECKED) << "one of a group";
+    EXPECT_FALSE(frame.isChecked(L"r1"));
+
+    for (const wchar_t* wrong : {L"c", L"list", L"missing"}) {
+        EXPECT_FALSE(frame.setFieldValue(wrong, L"1")) << wrong;
+        EXPECT_EQ(frame.fieldValue(wrong), ZString()) << wrong;
+    }
+    EXPECT_FALSE(frame.setChecked(L"t", true));
+    EXPECT_FALSE(frame.isChecked(L"t"));
+}
+
 TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
 {
     struct Presses : ButtonListener, LinkListener {
@@ -83,6 +124,25 @@ TEST_F(MarkupHost, ButtonPressesAndLinkClicksReachTheListeners)
     SendMessageW(frame.handle(), WM_LBUTTONDOWN, MK_LBUTTON, at);
     SendMessageW(frame.handle(), WM_LBUTTONUP, 0, at);
     EXPECT_EQ(presses.heard, (std::vector<std::wstring>{L"button stop", L"link next.xhtml"}));
+}
+
+TEST_F(MarkupHost, EscapeInAModalFrameClosesItUnlessAnOpenDropDownListTakesTheKey)
+{
+    frame.setMarkup((std::wstring(kControls) + kFields).c_str());
+    const HWND window = frame.handle(), combo = frame.controlWindow(L"s"), field = frame.controlWindow(L"t");
+    UiRobot robot([&](UiRobot& r) {
+        SendMessageW(combo, CB_SHOWDROPDOWN, TRUE, 0);
+        postKey(combo, VK_ESCAPE);
+        if (!pumpUntil([&] { return !SendMessageW(combo, CB_GETDROPPEDSTATE, 0, 0); }, 5000))
+            throw RobotFailure("the list stayed open");
+        pumpMessages(200);
+        if (!IsWindow(window))
+            throw RobotFailure("the list's Escape closed the frame");
+        postKey(field, VK_ESCAPE);
+        r.waitForWindowGone(window);
+    });
+    frame.makeModal();
+    EXPECT_EQ(robot.finish(), "");
 }
 
 TEST_F(MarkupHost, LoadsMarkupAndImagesFromTheModulesResourcesWithTheirAlpha)

@@ -1,16 +1,18 @@
 #pragma once
-// GDI+ for the length of one capture: started on construction, shut down on destruction.
+// GDI+ for the length of one task (a capture, a dialog with images): started on
+// construction, shut down on destruction. Whatever holds GDI+ objects must go before it.
 
-#include "screencapture/Gdiplus.h"
+#include <windows.h>
+#include <objidl.h>
 
-namespace screenCapture {
+#include <gdiplus.h>
 
 class GdiplusSession {
 public:
     GdiplusSession()
     {
         // Version 1, no debug callback, background thread and external codecs not suppressed.
-        // A failed start is not checked: the grab then finds no image and says so.
+        // A failed start is not checked: GDI+ calls then fail, and their callers say so.
         Gdiplus::GdiplusStartupInput input;
         Gdiplus::GdiplusStartup(&token_, &input, nullptr);
     }
@@ -21,5 +23,3 @@ public:
 private:
     ULONG_PTR token_ = 0;
 };
-
-} // namespace screenCapture

@@ -1,8 +1,8 @@
-#include "screencapture/ui/LanguageKeys.h"
+#include "companions/language/LanguageKeys.h"
 
 #include "companions/language/Language.h"
 
-namespace screenCapture {
+namespace language {
 
 namespace {
 
@@ -117,15 +117,15 @@ LanguageSource installedLanguage()
     return source;
 }
 
-ZString languageText(const ZString& key, const LanguageSource& source)
+ZString languageText(const ZString& key, const ZString& section, const LanguageSource& source)
 {
     if (key.startsWith(ZString(L"?/")))
         return languageFact(key, source.facts());
-    const ZString own = ZString(L"screen-capture/") + key;
+    const ZString own = section + key;
     return source.has(own) ? source.text(own) : source.text(key);
 }
 
-void replaceLanguageKeys(ZString& text, const LanguageSource& source)
+void replaceLanguageKeys(ZString& text, const ZString& section, const LanguageSource& source)
 {
     if (text.find(ZString(L"{lang")) == ZString::npos)
         return;
@@ -138,11 +138,11 @@ void replaceLanguageKeys(ZString& text, const LanguageSource& source)
         if (close == ZString::npos)
             break;
         out += text.substring(at, opening - at);
-        out += escaped(languageText(text.substring(keyStart, close - keyStart), source), form->escape);
+        out += escaped(languageText(text.substring(keyStart, close - keyStart), section, source), form->escape);
         at = close + 1;
     }
     out += text.substring(at);
     text = out;
 }
 
-} // namespace screenCapture
+} // namespace language
