@@ -7,7 +7,7 @@
 #include "screencapture/DpiAwareness.h"
 #include "screencapture/ModuleInstance.h"
 #include "screencapture/ScreenCapture.h"
-#include "screencapture/ui/LanguageKeys.h"
+#include "companions/language/LanguageKeys.h"
 #include "screencapture/ui/ScreenCaptureUi.h"
 #include "tests/screencapture/CaptureTestKit.h"
 #include "tests/screencapture/OverlayHand.h"
@@ -125,7 +125,7 @@ std::string describe(const Shown& s)
 }
 
 struct LanguageFilter : xhtml::MarkupTextFilter {
-    void filterMarkup(ZString& text) override { replaceLanguageKeys(text, installedLanguage()); }
+    void filterMarkup(ZString& text) override { language::replaceLanguageKeys(text, L"screen-capture/", language::installedLanguage()); }
 };
 
 // The dialog's markup laid out at 96 DPI, measured with this process's fonts.

@@ -7,7 +7,7 @@
 #include "image/GdiplusHelpers.h"
 #include "screencapture/CaptureApi.h"
 #include "screencapture/DpiAwareness.h"
-#include "screencapture/GdiplusSession.h"
+#include "base/win/GdiplusSession.h"
 
 #include <windows.h>
 
@@ -109,7 +109,7 @@ int wmain(int argc, wchar_t** argv)
     }
     // As a DPI-aware suite program: the picture is in the screen's own pixels.
     screenCapture::makeProcessDpiAware();
-    screenCapture::GdiplusSession gdiplus;
+    GdiplusSession gdiplus;
     std::atomic<bool> saved{false};
     std::thread photographer([&] { saved = takePicture(argv[1]); });
     screenCapture::capture(screenCapture::noMode, screenCapture::noTarget);
