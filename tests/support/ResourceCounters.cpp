@@ -124,6 +124,16 @@ ResourceCounts countResourcesSettled(const ResourceCounts& expected, unsigned ti
     return last;
 }
 
+bool threadRunning(unsigned long threadId)
+{
+    const HANDLE thread = OpenThread(SYNCHRONIZE, FALSE, threadId);
+    if (!thread)
+        return false;
+    const bool running = WaitForSingleObject(thread, 0) == WAIT_TIMEOUT;
+    CloseHandle(thread);
+    return running;
+}
+
 std::string ResourceCounts::describe() const
 {
     return "GDI objects " + std::to_string(gdiObjects) + ", kernel handles " + std::to_string(kernelHandles)

@@ -23,3 +23,8 @@ ResourceCounts countResources();
 // there: the system frees some things a little later (a destroyed window's handles), so
 // this pumps this thread's messages meanwhile; a real leak stays.
 ResourceCounts countResourcesSettled(const ResourceCounts& expected, unsigned timeoutMs = 2000);
+
+// True while the thread with this id has not ended. Counting all threads would not do for
+// leak tests: system libraries (WinINet, under Wine and Windows alike) keep pool threads
+// that come and go by themselves; the threads a test saw its own code run on are decisive.
+bool threadRunning(unsigned long threadId);
