@@ -15,6 +15,7 @@ enum class Wrapper { gzip, zlib, raw };
 // zlib counts in uInt; larger buffers are fed in parts of at most this size.
 constexpr std::size_t maxFeed = std::numeric_limits<uInt>::max();
 constexpr std::size_t outputStep = 256 * 1024;
+constexpr std::size_t expectedRatio = 4;
 
 // A failure of one coding; the message is complete.
 struct DecodeError {
@@ -107,14 +108,16 @@ private:
         remaining_ -= part;
     }
 
-    // Output goes straight into the result; at most one byte past the limit is ever asked
-    // for, which is how going over it is noticed.
+    // Output goes straight into the result, which doubles as it fills (starting from a guess
+    // at text's usual ratio); at most one byte past the limit is ever asked for, which is how
+    // going over it is noticed.
     void makeRoom()
     {
         if (stream_.avail_out != 0)
             return;
         const std::size_t allowed = limit_ - std::min(limit_, produced_) + 1;
-        const std::size_t step = std::min({outputStep, allowed, maxFeed});
+        const std::size_t wanted = produced_ ? produced_ : std::max(outputStep, expectedRatio * remaining_);
+        const std::size_t step = std::min({wanted, allowed, maxFeed});
         out_.resize(produced_ + step);
         stream_.next_out = reinterpret_cast<Bytef*>(&out_[produced_]);
         stream_.avail_out = static_cast<uInt>(step);
