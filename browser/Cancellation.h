@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <atomic>
+
 namespace browser {
 
 class Cancellation {
@@ -14,13 +16,19 @@ public:
     Cancellation(const Cancellation&) = delete;
     Cancellation& operator=(const Cancellation&) = delete;
 
-    void cancel() const { SetEvent(event_.get()); }
-    bool isCancelled() const { return WaitForSingleObject(event_.get(), 0) == WAIT_OBJECT_0; }
+    void cancel() const
+    {
+        cancelled_ = true;
+        SetEvent(event_.get());
+    }
+    // Cheap enough to ask between any two steps.
+    bool isCancelled() const { return cancelled_; }
     // Signalled once cancelled, for WaitForMultipleObjects; it stays signalled.
     HANDLE event() const { return event_.get(); }
 
 private:
     KernelHandle event_;
+    mutable std::atomic<bool> cancelled_{false};
 };
 
 } // namespace browser

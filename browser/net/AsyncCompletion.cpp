@@ -55,6 +55,7 @@ void AsyncCompletion::onStatus(HINTERNET, DWORD status, const void* info)
         // Some WinINets put a byte count into dwError on success: dwResult decides.
         const auto* result = static_cast<const INTERNET_ASYNC_RESULT*>(info);
         error_ = result->dwResult ? ERROR_SUCCESS : (result->dwError ? result->dwError : ERROR_INTERNET_INTERNAL_ERROR);
+        completedSet_ = true;
         SetEvent(completed_.get());
         break;
     }
@@ -69,19 +70,24 @@ void AsyncCompletion::onStatus(HINTERNET, DWORD status, const void* info)
 }
 
 // A phase's time counts from when it began; within the receiving phase, from the last data.
-// The waiter is woken to take the new limit.
+// A waiter is woken to take the new limit. (Either it is seen waiting here, or it reads the
+// new phase after it said so: the atomics keep that order.)
 void AsyncCompletion::enter(Phase phase, bool restart)
 {
     if (restart || phase_.exchange(phase) != phase) {
         phaseStart_ = GetTickCount64();
-        SetEvent(progress_.get());
+        if (waiting_)
+            SetEvent(progress_.get());
     }
 }
 
+// The completion event is reset only when it was set: calls that answer at once, the common
+// case on a fast connection, then cost no system call here. A stale progress signal costs
+// the next wait one look at the clock, so it is left.
 void AsyncCompletion::begin(Phase phase)
 {
-    ResetEvent(completed_.get());
-    ResetEvent(progress_.get());
+    if (completedSet_.exchange(false))
+        ResetEvent(completed_.get());
     error_ = ERROR_SUCCESS;
     phase_ = phase;
     phaseStart_ = GetTickCount64();
@@ -91,6 +97,11 @@ AsyncCompletion::WaitEnd AsyncCompletion::wait(HANDLE cancel, const Limits& limi
 {
     // A cancellation wins over a completion that came at the same time.
     const HANDLE events[] = {cancel, completed_.get(), progress_.get()};
+    waiting_ = true;
+    const struct Done {
+        std::atomic<bool>& waiting;
+        ~Done() { waiting = false; }
+    } done{waiting_};
     for (;;) {
         phase = phase_;
         const ULONGLONG phaseEnd = phaseStart_ + limitOf(phase, limits);

@@ -62,6 +62,8 @@ private:
     std::atomic<DWORD> error_{ERROR_SUCCESS};
     std::atomic<Phase> phase_{Phase::connecting};
     std::atomic<ULONGLONG> phaseStart_{0};
+    std::atomic<bool> completedSet_{false};
+    mutable std::atomic<bool> waiting_{false};
     std::atomic<int> openHandles_{0};
     bool anyOpened_ = false; // only the owner's thread reads and writes it
 };

@@ -87,8 +87,9 @@ UrlParts crack(const ZString& url)
 
 WinInetExchange::WinInetExchange(const ZString& url, const ZString& method, const ZString& userAgent,
                                  const ExchangeLimits& limits, const Cancellation& cancellation)
-    : limits_(limits), cancellation_(cancellation), buffer_(pieceSize)
+    : limits_(limits), cancellation_(cancellation)
 {
+    inFlight_->buffer.resize(pieceSize);
     try {
         open(url, method, userAgent);
         setOptions();
@@ -108,9 +109,9 @@ void WinInetExchange::close()
     request_.reset();
     connection_.reset();
     const unsigned longest = std::max({limits_.times.connectMs, limits_.times.sendMs, limits_.times.receiveMs});
-    if (!async_->waitUntilClosed(std::min<DWORD>(longest, MAXDWORD - closeGraceMs) + closeGraceMs)) {
+    if (!async_.waitUntilClosed(std::min<DWORD>(longest, MAXDWORD - closeGraceMs) + closeGraceMs)) {
         // WinINet still holds the context and may yet call back with it: it must stay valid.
-        static_cast<void>(async_.release());
+        static_cast<void>(inFlight_.release());
     }
     session_.reset();
 }
@@ -125,18 +126,18 @@ void WinInetExchange::open(const ZString& url, const ZString& method, const ZStr
         throw lastErrorFailure();
     setTimeouts(session_.get(), limits_.times);
     connection_ = InternetHandle(InternetConnectW(session_.get(), parts.host.c_str(), parts.port, nullptr, nullptr,
-                                                  INTERNET_SERVICE_HTTP, 0, async_->context()));
+                                                  INTERNET_SERVICE_HTTP, 0, async_.context()));
     if (!connection_)
         throw lastErrorFailure();
-    async_->handleOpened();
+    async_.handleOpened();
     const DWORD flags = INTERNET_FLAG_NO_AUTO_REDIRECT | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_RELOAD
         | INTERNET_FLAG_NO_COOKIES | INTERNET_FLAG_NO_UI | INTERNET_FLAG_KEEP_CONNECTION
         | (parts.secure ? INTERNET_FLAG_SECURE : 0);
     request_ = InternetHandle(HttpOpenRequestW(connection_.get(), method.c_str(), parts.path.c_str(), nullptr, nullptr,
-                                               nullptr, flags, async_->context()));
+                                               nullptr, flags, async_.context()));
     if (!request_)
         throw lastErrorFailure();
-    async_->handleOpened();
+    async_.handleOpened();
 }
 
 void WinInetExchange::setOptions()
@@ -167,7 +168,7 @@ void WinInetExchange::checkGoingOn() const
         throw deadlinePassed();
 }
 
-// For a call that was made after async_->begin: returns once it has succeeded.
+// For a call that was made after async_.begin: returns once it has succeeded.
 void WinInetExchange::await(BOOL answered)
 {
     if (answered)
@@ -175,9 +176,9 @@ void WinInetExchange::await(BOOL answered)
     DWORD code = GetLastError();
     if (code == ERROR_IO_PENDING) {
         Phase phase = Phase::connecting;
-        switch (async_->wait(cancellation_.event(), limits_.times, phase)) {
+        switch (async_.wait(cancellation_.event(), limits_.times, phase)) {
         case WaitEnd::completed:
-            code = async_->error();
+            code = async_.error();
             break;
         case WaitEnd::cancelled:
             throw cancelled();
@@ -196,10 +197,11 @@ void WinInetExchange::send(const ZString& headers, const std::string& body)
     if (body.size() > MAXDWORD)
         throw HttpFailure{HttpOutcome::failed, u"The request body is too large"};
     checkGoingOn();
-    headers_ = headers;
-    async_->begin(Phase::connecting);
-    await(HttpSendRequestW(request_.get(), headers_.c_str(), static_cast<DWORD>(-1), const_cast<char*>(body.data()),
-                           static_cast<DWORD>(body.size())));
+    inFlight_->headers = headers;
+    inFlight_->body = body;
+    async_.begin(Phase::connecting);
+    await(HttpSendRequestW(request_.get(), inFlight_->headers.c_str(), static_cast<DWORD>(-1),
+                           inFlight_->body.data(), static_cast<DWORD>(inFlight_->body.size())));
 }
 
 ZString WinInetExchange::responseHead() const
@@ -214,26 +216,44 @@ ZString WinInetExchange::responseHead() const
     return ZString(text.data(), static_cast<int>(bytes / sizeof(wchar_t)));
 }
 
+// Reads without waiting take what is there, up to a whole buffer; only when nothing is
+// there does the exchange wait, for data to come (or for the end) and not into the buffer.
+// So a cancelled exchange has no read that goes on filling the buffer until the server
+// sends enough, and a fast one takes its body in few large pieces.
 bool WinInetExchange::receive(std::string& body, std::size_t limit, const ZString& tooLarge)
 {
     checkGoingOn();
-    // Asked again after a pending answer: the data is there then and the answer is at once.
-    for (;;) {
-        async_->begin(Phase::receiving);
-        const BOOL answered = InternetQueryDataAvailable(request_.get(), &available_, 0, 0);
-        if (answered)
-            break;
-        await(answered);
+    InFlight& in = *inFlight_;
+    const std::size_t room = limit - std::min(limit, body.size());
+    in.buffers = {};
+    in.buffers.dwStructSize = sizeof in.buffers;
+    in.buffers.lpvBuffer = in.buffer.data();
+    in.buffers.dwBufferLength = static_cast<DWORD>(std::min(in.buffer.size(), room + 1)); // + 1: going over shows
+    async_.begin(Phase::receiving);
+    const BOOL answered = InternetReadFileExW(request_.get(), &in.buffers, IRF_NO_WAIT, async_.context());
+    if (!answered) {
+        await(answered); // data has come meanwhile; the next read takes it
+        return true;
     }
-    if (available_ == 0)
-        return false;
-    const DWORD wanted = std::min<DWORD>(available_, static_cast<DWORD>(buffer_.size()));
-    if (wanted > limit - std::min(limit, body.size()))
+    const DWORD got = in.buffers.dwBufferLength;
+    if (got > room)
         throw HttpFailure{HttpOutcome::failed, tooLarge};
-    read_ = 0;
-    async_->begin(Phase::receiving);
-    await(InternetReadFile(request_.get(), buffer_.data(), wanted, &read_));
-    body.append(buffer_.data(), read_);
+    if (got > 0) {
+        body.append(in.buffer.data(), got);
+        return true;
+    }
+    return waitForData();
+}
+
+// Nothing was there: false at the end of the body, else true once data has come.
+bool WinInetExchange::waitForData()
+{
+    InFlight& in = *inFlight_;
+    async_.begin(Phase::receiving);
+    const BOOL answered = InternetQueryDataAvailable(request_.get(), &in.available, 0, 0);
+    if (answered)
+        return in.available > 0;
+    await(answered);
     return true;
 }
 

@@ -38,8 +38,8 @@ public:
     WinInetExchange(const WinInetExchange&) = delete;
     WinInetExchange& operator=(const WinInetExchange&) = delete;
 
-    // Sends the request with `headers` ("Name: value\r\n" lines) and `body`, which must
-    // outlive the exchange; returns once the response head is there. Throws HttpFailure.
+    // Sends the request with `headers` ("Name: value\r\n" lines) and `body`; returns once
+    // the response head is there. Throws HttpFailure.
     void send(const ZString& headers, const std::string& body);
     // The response head as received: the status line and the header lines, CR LF separated.
     ZString responseHead() const;
@@ -53,21 +53,28 @@ private:
     HttpFailure cancelled() const;
     HttpFailure deadlinePassed() const;
     void close();
+    bool waitForData();
     void open(const ZString& url, const ZString& method, const ZString& userAgent);
     void setOptions();
 
-    // Heap-held: if WinINet does not let go of it in time, it is left behind, not freed.
-    std::unique_ptr<AsyncCompletion> async_ = std::make_unique<AsyncCompletion>();
+    // Everything WinINet may use while a call is pending. If WinINet does not let go of it
+    // in time, it is left behind rather than freed under WinINet.
+    struct InFlight {
+        AsyncCompletion async;
+        ZString headers;
+        std::string body;
+        DWORD available = 0;
+        INTERNET_BUFFERSW buffers = {};
+        std::vector<char> buffer;
+    };
+
+    std::unique_ptr<InFlight> inFlight_ = std::make_unique<InFlight>();
+    AsyncCompletion& async_ = inFlight_->async;
     const ExchangeLimits limits_;
     const Cancellation& cancellation_;
     InternetHandle session_;
     InternetHandle connection_;
     InternetHandle request_;
-    ZString headers_;
-    // Written by WinINet when a call completes later, so they live as long as the handles.
-    DWORD available_ = 0;
-    DWORD read_ = 0;
-    std::vector<char> buffer_;
 };
 
 } // namespace browser
