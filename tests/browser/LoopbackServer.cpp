@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 
@@ -108,7 +109,7 @@ LoopbackServer::LoopbackServer(std::map<std::string, Handler> routes)
         || getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &length) != 0)
         throw std::runtime_error("the loopback server cannot listen");
     port_ = ntohs(address.sin_port);
-    acceptor_ = std::thread([this] { acceptLoop(); });
+    acceptor_ = KernelHandle(CreateThread(nullptr, 0, acceptMain, this, 0, nullptr));
 }
 
 std::wstring LoopbackServer::url(const std::string& path) const
@@ -129,16 +130,35 @@ void LoopbackServer::stop()
         return;
     SetEvent(stopped_.get());
     closesocket(std::exchange(listener_, INVALID_SOCKET));
-    acceptor_.join();
+    WaitForSingleObject(acceptor_.get(), INFINITE);
     {
         std::lock_guard<SlimLock> hold(lock_);
         for (SOCKET client : open_)
             shutdown(client, SD_BOTH);
     }
-    for (std::thread& thread : threads_)
-        thread.join();
+    for (const KernelHandle& thread : threads_)
+        WaitForSingleObject(thread.get(), INFINITE);
     threads_.clear();
     WSACleanup();
+}
+
+DWORD WINAPI LoopbackServer::acceptMain(void* server)
+{
+    static_cast<LoopbackServer*>(server)->acceptLoop();
+    return 0;
+}
+
+// What a connection's thread serves.
+struct LoopbackServer::Connection {
+    LoopbackServer* server;
+    SOCKET client;
+};
+
+DWORD WINAPI LoopbackServer::serveMain(void* start)
+{
+    const std::unique_ptr<Connection> connection(static_cast<Connection*>(start));
+    connection->server->serve(connection->client);
+    return 0;
 }
 
 void LoopbackServer::acceptLoop()
@@ -148,8 +168,15 @@ void LoopbackServer::acceptLoop()
         if (client == INVALID_SOCKET)
             return;
         std::lock_guard<SlimLock> hold(lock_);
+        auto connection = std::make_unique<Connection>(Connection{this, client});
+        KernelHandle thread(CreateThread(nullptr, 0, serveMain, connection.get(), 0, nullptr));
+        if (!thread) {
+            closesocket(client);
+            continue;
+        }
+        static_cast<void>(connection.release()); // the thread's now
         open_.push_back(client);
-        threads_.emplace_back([this, client] { serve(client); });
+        threads_.push_back(std::move(thread));
     }
 }
 

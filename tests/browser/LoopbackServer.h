@@ -3,7 +3,8 @@
 // benchmark: one thread accepts, and each connection gets a thread that reads one request
 // and hands it to the handler of its path (404 for unknown paths); the connection closes
 // when the handler returns. Stopping shuts every socket, so that handlers end, and joins
-// every thread.
+// every thread. Its threads are plain Win32 threads: the C++ library's would keep cached
+// kernel objects that leak tests would take for the client's.
 
 #include "base/win/KernelHandle.h"
 #include "base/win/SlimLock.h"
@@ -15,7 +16,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -69,6 +69,9 @@ public:
     HANDLE stopEvent() const { return stopped_.get(); }
 
 private:
+    struct Connection;
+    static DWORD WINAPI acceptMain(void* server);
+    static DWORD WINAPI serveMain(void* connection);
     void acceptLoop();
     void serve(SOCKET client);
 
@@ -80,8 +83,8 @@ private:
     mutable SlimLock lock_; // guards what follows
     std::map<std::string, int> counts_;
     std::vector<SOCKET> open_;
-    std::vector<std::thread> threads_;
-    std::thread acceptor_;
+    std::vector<KernelHandle> threads_;
+    KernelHandle acceptor_;
 };
 
 // A whole response with Content-Length and "Connection: close".

@@ -5,6 +5,7 @@
 
 #include <windows.h>
 #include <winternl.h>
+#include <tlhelp32.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -122,6 +123,20 @@ ResourceCounts countResourcesSettled(const ResourceCounts& expected, unsigned ti
     ResourceCounts last;
     pumpUntil([&] { return (last = countResources()) == expected; }, timeoutMs);
     return last;
+}
+
+int countThreads()
+{
+    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    if (snapshot == INVALID_HANDLE_VALUE)
+        return -1;
+    THREADENTRY32 entry = {};
+    entry.dwSize = sizeof entry;
+    int count = 0;
+    for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
+        count += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
+    CloseHandle(snapshot);
+    return count;
 }
 
 bool threadRunning(unsigned long threadId)
