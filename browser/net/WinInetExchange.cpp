@@ -228,7 +228,8 @@ bool WinInetExchange::receive(std::string& body, std::size_t limit, const ZStrin
     in.buffers = {};
     in.buffers.dwStructSize = sizeof in.buffers;
     in.buffers.lpvBuffer = in.buffer.data();
-    in.buffers.dwBufferLength = static_cast<DWORD>(std::min(in.buffer.size(), room + 1)); // + 1: going over shows
+    // One byte more than there is room for, so that going over the limit shows.
+    in.buffers.dwBufferLength = static_cast<DWORD>(std::min(in.buffer.size() - 1, room) + 1);
     async_.begin(Phase::receiving);
     const BOOL answered = InternetReadFileExW(request_.get(), &in.buffers, IRF_NO_WAIT, async_.context());
     if (!answered) {
