@@ -76,7 +76,7 @@ public:
     std::string run(std::string_view input)
     {
         next_ = input.data();
-        remaining_ = input.size();
+        remaining_ = inputSize_ = input.size();
         for (;;) {
             feed();
             makeRoom();
@@ -116,7 +116,8 @@ private:
         if (stream_.avail_out != 0)
             return;
         const std::size_t allowed = limit_ - std::min(limit_, produced_) + 1;
-        const std::size_t wanted = produced_ ? produced_ : std::max(outputStep, expectedRatio * remaining_);
+        const std::size_t guess = std::min(inputSize_, maxFeed / expectedRatio) * expectedRatio;
+        const std::size_t wanted = produced_ ? produced_ : std::max(outputStep, guess);
         const std::size_t step = std::min({wanted, allowed, maxFeed});
         out_.resize(produced_ + step);
         stream_.next_out = reinterpret_cast<Bytef*>(&out_[produced_]);
@@ -146,6 +147,7 @@ private:
     std::string name_;
     std::size_t limit_;
     const char* next_ = nullptr;
+    std::size_t inputSize_ = 0;
     std::size_t remaining_ = 0;
     std::string out_;
     std::size_t produced_ = 0;
