@@ -147,6 +147,12 @@ int countThreadsSettled(int expected, unsigned timeoutMs)
     return last;
 }
 
+bool threadRunning(unsigned long threadId)
+{
+    const KernelHandle thread(OpenThread(SYNCHRONIZE, FALSE, threadId));
+    return thread && WaitForSingleObject(thread.get(), 0) == WAIT_TIMEOUT;
+}
+
 std::string ResourceCounts::describe() const
 {
     return "GDI objects " + std::to_string(gdiObjects) + ", kernel handles " + std::to_string(kernelHandles)

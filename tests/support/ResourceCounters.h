@@ -25,6 +25,10 @@ ResourceCounts countResources();
 ResourceCounts countResourcesSettled(const ResourceCounts& expected, unsigned timeoutMs = 2000);
 
 // The threads of this process now (-1 if unreadable), and once back at `expected` or after
-// the time-out, as above: a thread that a library ends when it is idle ends a little later.
+// the time-out, as above. System libraries keep pool threads that end by themselves some
+// seconds after their last work (Wine's WinINet after about five, each with a handle): let
+// them go before counting, or count only the threads a test saw its own code run on.
 int countThreads();
 int countThreadsSettled(int expected, unsigned timeoutMs = 5000);
+// True while the thread with this id has not ended.
+bool threadRunning(unsigned long threadId);
