@@ -57,6 +57,8 @@ public:
     void setBounds(const RECT& bounds) override;
     // Starts loading the address, hidden; the time-out starts now.
     void navigate(const ZString& address) override;
+    // The page asked to go (the bridge's close()): hidden until the next navigate().
+    void dismiss() { giveUp(); }
 
     // The script bridge's object (null: none); see the header comment for who gets it.
     void setExternal(Microsoft::WRL::ComPtr<IDispatch> external) { external_ = std::move(external); }
