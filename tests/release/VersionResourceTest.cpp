@@ -89,6 +89,8 @@ TEST(VersionResource, EachShippedFileSaysWhatItIs)
         {L"Settings.dll", L"Pryxa Creator settings", VFT_DLL},
         {L"Language.dll", L"Pryxa Creator localised texts", VFT_DLL},
         {L"NotifyIcon.dll", L"Pryxa Creator tray notes", VFT_DLL},
+        {L"About.dll", L"Pryxa Creator About box", VFT_DLL},
+        {L"FormatOptions.dll", L"Pryxa Creator image-to-PDF options", VFT_DLL},
         {L"pryxa-capture.exe", L"Pryxa Creator screen capture command line", VFT_APP},
         {L"pryxa-Assistant.exe", L"Pryxa Creator assistant", VFT_APP},
     };
