@@ -40,14 +40,8 @@ public:
         *result = ours ? static_cast<IBindStatusCallback*>(this) : nullptr;
         return ours ? (AddRef(), S_OK) : E_NOINTERFACE;
     }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++refs_; }
-    STDMETHODIMP_(ULONG) Release() override
-    {
-        const ULONG left = --refs_;
-        if (!left)
-            delete this;
-        return left;
-    }
+    STDMETHODIMP_(ULONG) AddRef() override { return refs_.add(); }
+    STDMETHODIMP_(ULONG) Release() override { return refs_.release(this); }
     STDMETHODIMP OnStartBinding(DWORD, IBinding*) override { return S_OK; }
     STDMETHODIMP GetPriority(LONG*) override { return E_NOTIMPL; }
     STDMETHODIMP OnLowResource(DWORD) override { return S_OK; }
@@ -82,8 +76,7 @@ public:
     bool stopped = false;
 
 private:
-    ~Binding() = default;
-    ULONG refs_ = 1;
+    browser::ComRefCount refs_;
 };
 
 } // namespace
@@ -136,40 +129,30 @@ bool fireEvent(IWebBrowser2* control, DISPID event, IDispatch* frame, const wcha
         ADD_FAILURE() << "no site to fire at";
         return false;
     }
-    BSTR url = SysAllocString(address), noName = SysAllocString(L"");
+    const browser::OwnedBstr url(address), noName(L"");
     VARIANT byValue[4] = {}; // URL, frame name, status, flags
     V_VT(&byValue[0]) = V_VT(&byValue[1]) = VT_BSTR;
-    V_BSTR(&byValue[0]) = url;
-    V_BSTR(&byValue[1]) = noName;
+    V_BSTR(&byValue[0]) = url.get();
+    V_BSTR(&byValue[1]) = noName.get();
     V_VT(&byValue[2]) = V_VT(&byValue[3]) = VT_I4;
     V_I4(&byValue[2]) = 404;
     VARIANT_BOOL cancel = VARIANT_FALSE;
     IDispatch* newWindow = nullptr;
-    std::vector<VARIANT> arguments; // last first, as Invoke takes them
-    const auto add = [&](VARTYPE type, void* pointer) { // every pointer of the union is one field
+    const auto ref = [](VARTYPE type, void* pointer) { // every pointer of the union is one field
         VARIANT value = {};
         V_VT(&value) = type;
         V_BYREF(&value) = pointer;
-        arguments.insert(arguments.begin(), value);
+        return value;
     };
-    if (event == DISPID_NEWWINDOW3) { // (ppDisp, Cancel, dwFlags, bstrUrlContext, bstrUrl)
-        add(VT_DISPATCH | VT_BYREF, &newWindow);
-        add(VT_BOOL | VT_BYREF, &cancel);
-        arguments.insert(arguments.begin(), byValue[3]);
-        arguments.insert(arguments.begin(), byValue[1]);
-        arguments.insert(arguments.begin(), byValue[0]);
-    } else { // (pDisp, URL[, TargetFrameName, StatusCode, Cancel])
-        add(VT_DISPATCH, frame);
-        add(VT_VARIANT | VT_BYREF, &byValue[0]);
-        if (event == DISPID_NAVIGATEERROR) {
-            add(VT_VARIANT | VT_BYREF, &byValue[1]);
-            add(VT_VARIANT | VT_BYREF, &byValue[2]);
-            add(VT_BOOL | VT_BYREF, &cancel);
-        }
-    }
+    const VARIANT urlRef = ref(VT_VARIANT | VT_BYREF, &byValue[0]), cancelRef = ref(VT_BOOL | VT_BYREF, &cancel);
+    // Last first, as Invoke takes them.
+    std::vector<VARIANT> arguments = {urlRef, ref(VT_DISPATCH, frame)}; // (pDisp, URL)
+    if (event == DISPID_NEWWINDOW3) // (ppDisp, Cancel, dwFlags, bstrUrlContext, bstrUrl)
+        arguments = {byValue[0], byValue[1], byValue[3], cancelRef, ref(VT_DISPATCH | VT_BYREF, &newWindow)};
+    else if (event == DISPID_NAVIGATEERROR) // (pDisp, URL, TargetFrameName, StatusCode, Cancel)
+        arguments = {cancelRef, ref(VT_VARIANT | VT_BYREF, &byValue[2]), ref(VT_VARIANT | VT_BYREF, &byValue[1]), urlRef,
+                     ref(VT_DISPATCH, frame)};
     DISPPARAMS parameters = {arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
     EXPECT_EQ(events->Invoke(event, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr), S_OK);
-    SysFreeString(url);
-    SysFreeString(noName);
     return cancel == VARIANT_TRUE;
 }
