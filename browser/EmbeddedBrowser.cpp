@@ -17,17 +17,11 @@ constexpr UINT_PTR kPageTimeoutTimer = 2;
 
 bool registerHostClass(HINSTANCE instance)
 {
-    WNDCLASSEXW existing = {};
-    existing.cbSize = sizeof existing;
-    if (GetClassInfoExW(instance, EmbeddedBrowser::className, &existing))
-        return true;
     WNDCLASSEXW windowClass = {};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = &BaseWindow::windowProc;
     windowClass.hInstance = instance;
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     windowClass.lpszClassName = EmbeddedBrowser::className;
-    return RegisterClassExW(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
+    return BaseWindow::registerClass(windowClass);
 }
 
 } // namespace

@@ -14,22 +14,12 @@ namespace {
 constexpr wchar_t className[] = L"PryxaJobRunner";
 constexpr UINT deliverMessage = WM_APP + 1;
 
-// A class left by an earlier load of this library would point at freed code: replaced.
 bool registerClass(HINSTANCE instance)
 {
-    WNDCLASSEXW existing = {};
-    existing.cbSize = sizeof existing;
-    if (GetClassInfoExW(instance, className, &existing)) {
-        if (existing.lpfnWndProc == &BaseWindow::windowProc)
-            return true;
-        UnregisterClassW(className, instance);
-    }
     WNDCLASSEXW windowClass = {};
-    windowClass.cbSize = sizeof windowClass;
-    windowClass.lpfnWndProc = &BaseWindow::windowProc;
     windowClass.hInstance = instance;
     windowClass.lpszClassName = className;
-    return RegisterClassExW(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
+    return BaseWindow::registerClass(windowClass);
 }
 
 } // namespace

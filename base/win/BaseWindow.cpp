@@ -83,6 +83,20 @@ BaseWindow::~BaseWindow()
     }
 }
 
+bool BaseWindow::registerClass(WNDCLASSEXW windowClass)
+{
+    windowClass.cbSize = sizeof windowClass;
+    windowClass.lpfnWndProc = &BaseWindow::windowProc;
+    WNDCLASSEXW existing = {};
+    existing.cbSize = sizeof existing;
+    if (GetClassInfoExW(windowClass.hInstance, windowClass.lpszClassName, &existing)) {
+        if (existing.lpfnWndProc == &BaseWindow::windowProc)
+            return true;
+        UnregisterClassW(windowClass.lpszClassName, windowClass.hInstance);
+    }
+    return RegisterClassExW(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
+}
+
 LRESULT CALLBACK BaseWindow::windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_CREATE)

@@ -27,6 +27,10 @@ public:
     // The procedure to register for window classes whose windows are made with their object
     // as the creation parameter: such a window is bound at WM_CREATE.
     static LRESULT CALLBACK windowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    // Registers a window class whose windows windowProc serves (the procedure and size
+    // fields are filled in here). A class of that name left by an earlier load of the same
+    // library would point at freed code: it is replaced. True when the class is ready.
+    static bool registerClass(WNDCLASSEXW windowClass);
 
     // Binding.
     virtual void setHandle(HWND window); // forgets any binding; no subclassing

@@ -30,21 +30,12 @@ RECT workAreaOf(HWND window)
 
 bool XhtmlFrameView::registerClass(HINSTANCE instance)
 {
-    WNDCLASSEXW existing = {};
-    existing.cbSize = sizeof existing;
-    if (GetClassInfoExW(instance, className, &existing)) {
-        if (existing.lpfnWndProc == &BaseWindow::windowProc)
-            return true;
-        UnregisterClassW(className, instance);
-    }
     WNDCLASSEXW windowClass = {};
-    windowClass.cbSize = sizeof windowClass;
     windowClass.style = CS_HREDRAW | CS_VREDRAW;
-    windowClass.lpfnWndProc = &BaseWindow::windowProc;
     windowClass.hInstance = instance;
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     windowClass.lpszClassName = className;
-    return RegisterClassExW(&windowClass) != 0 || GetLastError() == ERROR_CLASS_ALREADY_EXISTS;
+    return BaseWindow::registerClass(windowClass);
 }
 
 XhtmlFrameView::XhtmlFrameView() = default;
