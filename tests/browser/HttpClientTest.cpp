@@ -102,10 +102,10 @@ class HttpClientTest : public testing::Test {
 protected:
     HttpRequest request(const std::string& path, const char16_t* method = u"GET") const
     {
-        HttpRequest request;
-        request.url = url(path);
-        request.method = method;
-        return request;
+        HttpRequest made;
+        made.url = url(path);
+        made.method = method;
+        return made;
     }
     ZString url(const std::string& path) const { return ZString(server.url(path).c_str()); }
     HttpResponse fetch(const HttpRequest& request) const { return client.fetch(request, cancellation); }
@@ -118,6 +118,7 @@ protected:
 
     std::map<std::string, LoopbackServer::Handler> makeRoutes()
     {
+        std::map<std::string, LoopbackServer::Handler> routes;
         const std::string gz = gzip(text);
         const auto gzipped = [](const std::string& body) {
             return response(200, "OK", {{"Content-Encoding", "gzip"}}, body);
@@ -128,14 +129,10 @@ protected:
         const std::pair<const char*, std::string> fixed[] = {
             {"/gzip", gzipped(gz)},
             {"/deflate-zlib", response(200, "OK", {{"Content-Encoding", "deflate"}}, zlibWrapped(text))},
-            {"/deflate-raw", response(200, "OK", {{"Content-Encoding", "deflate"}}, rawDeflate(text))},
             {"/chunked", chunkedResponse({}, text, 777)},
             {"/chunked-gzip", chunkedResponse({{"Content-Encoding", "gzip"}}, gz, 1000)},
-            {"/corrupt-gzip", gzipped(gz.substr(0, gz.size() / 2) + char(gz[gz.size() / 2] ^ 0x55) +
-                                      gz.substr(gz.size() / 2 + 1))},
             {"/truncated-gzip", gzipped(gz.substr(0, gz.size() - 8))},
             {"/bomb", gzipped(gzip(std::string(2 << 20, '\0')))},
-            {"/big-chunked", chunkedResponse({}, text, 1000)},
             {"/short", response(200, "OK", {}, text).substr(0, 1000)},
             {"/no-response", ""},
             {"/redirect", moved(302, "/hop")},
@@ -182,7 +179,6 @@ protected:
     KernelHandle requestRead{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     KernelHandle halfSent{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     KernelHandle released{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
-    std::map<std::string, LoopbackServer::Handler> routes;
     LoopbackServer server{makeRoutes()};
     HttpClient client;
     Cancellation cancellation;
@@ -194,7 +190,6 @@ TEST_F(HttpClientTest, DecodedAndChunkedBodiesNotFoundAndHead)
     cases[] = {
         {"/gzip", u"GET", 200, u"OK", text},
         {"/deflate-zlib", u"GET", 200, u"OK", text},
-        {"/deflate-raw", u"GET", 200, u"OK", text},
         {"/chunked", u"GET", 200, u"OK", text},
         {"/chunked-gzip", u"GET", 200, u"OK", text},
         {"/plain", u"GET", 200, u"OK", text},
@@ -216,21 +211,19 @@ TEST_F(HttpClientTest, DecodedAndChunkedBodiesNotFoundAndHead)
 
 TEST_F(HttpClientTest, BadBodiesAreErrorsNeverShortBodies)
 {
-    // The whole message, or its start up to "(".
     const struct { const char* path; std::size_t limit; const char* error; } cases[] = {
-        {"/corrupt-gzip", 1 << 20, "The gzip content is corrupt ("},
         {"/truncated-gzip", 1 << 20, "The gzip content is truncated"},
         {"/short", 1 << 20, "The connection closed before the whole response arrived"},
         {"/bomb", 1 << 20, "The decoded content is larger than the limit of 1048576 bytes"},
         {"/plain", 1000, "The response is larger than the limit of 1000 bytes"}, // by its Content-Length
-        {"/big-chunked", 1000, "The response is larger than the limit of 1000 bytes"}, // as it arrives
+        {"/chunked", 1000, "The response is larger than the limit of 1000 bytes"}, // as it arrives
     };
     for (const auto& c : cases) {
         HttpRequest request = this->request(c.path);
         request.maxBodyBytes = c.limit;
         const HttpResponse response = fetch(request);
         EXPECT_EQ(response.outcome, HttpOutcome::failed) << c.path;
-        EXPECT_EQ(response.error.toUtf8().substr(0, std::strlen(c.error)), c.error) << c.path;
+        EXPECT_EQ(response.error.toUtf8(), c.error) << c.path;
         EXPECT_EQ(response.status, 200) << c.path;
         EXPECT_TRUE(response.body.empty()) << c.path;
     }
