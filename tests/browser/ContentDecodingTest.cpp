@@ -71,7 +71,8 @@ TEST(ContentDecoding, DecodesOrRefusesWhole)
 TEST(ContentDecoding, EveryCutIsAnError)
 {
     const std::string sample = text.substr(0, 300);
-    const struct { const char* encoding; std::string body; } forms[] = {{"gzip", gzip(sample)}, {"deflate", zlibWrapped(sample)}, {"deflate", rawDeflate(sample)}};
+    const struct { const char* encoding; std::string body; } forms[] = {
+        {"gzip", gzip(sample)}, {"deflate", zlibWrapped(sample)}, {"deflate", rawDeflate(sample)}};
     for (const auto& form : forms) {
         ASSERT_EQ(decodeContent(form.encoding, form.body, 1000).bytes, sample);
         for (std::size_t length = 1; length < form.body.size(); ++length)

@@ -142,7 +142,7 @@ protected:
             {"/to-ftp", moved(302, "ftp://127.0.0.1/file")},
         };
         for (const auto& [path, bytes] : fixed)
-            routes[path] = [bytes = bytes](const ServerRequest&, ServerConnection& connection) { connection.send(bytes); };
+            routes[path] = [bytes = bytes](const ServerRequest&, ServerConnection& to) { to.send(bytes); };
         routes["/hop"] = [this, moved](const ServerRequest&, ServerConnection& connection) {
             connection.send(moved(301, "http://127.0.0.1:" + std::to_string(server.port()) + "/echo")); // known once up
         };
