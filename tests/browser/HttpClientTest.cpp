@@ -21,44 +21,26 @@ namespace {
 
 const std::string text = sampleText(50000);
 
-// A socket bound to an ephemeral loopback port; Winsock is up while the fixture's server runs.
-SOCKET boundSocket(sockaddr_in& address)
-{
-    const SOCKET bound = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    int length = sizeof address;
-    bind(bound, reinterpret_cast<sockaddr*>(&address), sizeof address);
-    getsockname(bound, reinterpret_cast<sockaddr*>(&address), &length);
-    return bound;
-}
-
-ZString urlOf(const sockaddr_in& address)
-{
-    return ZString((L"http://127.0.0.1:" + std::to_wstring(ntohs(address.sin_port)) + L"/").c_str());
-}
-
-// An address on a port that nobody listens on.
-ZString unusedPortUrl()
-{
-    sockaddr_in address;
-    closesocket(boundSocket(address));
-    return urlOf(address);
-}
-
 // A listener that never answers: with accept off it takes no connection at all (its queue
 // is filled first), with accept on it takes one and never reads from it.
 //
 // Wine's WinINet lets a connection attempt run until the system gives up (minutes), and
 // holds the request until then: so the refusing kind goes away after a while, and the
-// client's next try (a second after its first) is turned down at once.
+// client's next try (a second after its first) is turned down at once. Winsock is up while
+// the fixture's server runs.
 class SilentListener {
 public:
     explicit SilentListener(bool accepting)
     {
         std::fill(std::begin(sockets_), std::end(sockets_), INVALID_SOCKET);
-        sockets_[0] = boundSocket(address_);
+        sockets_[0] = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        int length = sizeof address;
+        bind(sockets_[0], reinterpret_cast<sockaddr*>(&address), sizeof address);
+        getsockname(sockets_[0], reinterpret_cast<sockaddr*>(&address), &length);
+        url_ = (L"http://127.0.0.1:" + std::to_wstring(ntohs(address.sin_port)) + L"/").c_str();
         listen(sockets_[0], accepting ? 1 : 0);
         if (accepting) {
             helper_ = std::thread([this] { sockets_[1] = accept(sockets_[0], nullptr, nullptr); });
@@ -68,7 +50,7 @@ public:
             *filler = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
             u_long nonBlocking = 1;
             ioctlsocket(*filler, FIONBIO, &nonBlocking);
-            connect(*filler, reinterpret_cast<sockaddr*>(&address_), sizeof address_);
+            connect(*filler, reinterpret_cast<sockaddr*>(&address), sizeof address);
         }
         helper_ = std::thread([this] {
             Sleep(1500);
@@ -81,7 +63,7 @@ public:
         helper_.join();
     }
 
-    ZString url() const { return urlOf(address_); }
+    ZString url() const { return url_; }
 
 private:
     void closeAll()
@@ -94,7 +76,7 @@ private:
 
     SlimLock lock_;
     SOCKET sockets_[6]; // the listener, the accepted connection, four queue fillers
-    sockaddr_in address_;
+    ZString url_;
     std::thread helper_;
 };
 
@@ -335,11 +317,13 @@ TEST_F(HttpClientTest, CancellationStopsARequestAtAnyPoint)
 
 TEST_F(HttpClientTest, RefusedRequestsAndBrokenServers)
 {
+    LoopbackServer gone({}); // its port, once it stops, is nobody's
+    gone.stop();
     // No error: any description, as WinINets word it differently.
     const struct { ZString url; const char16_t* method; const char* error; } cases[] = {
         {u"ftp://127.0.0.1/file", u"GET", "Only http and https addresses can be fetched"},
         {url("/plain"), u"GE T", "The method \"GE T\" is not a valid HTTP method"},
-        {unusedPortUrl(), u"GET", "Could not connect to the server"},
+        {ZString(gone.url("/").c_str()), u"GET", "Could not connect to the server"},
         {url("/no-response"), u"GET", nullptr},
     };
     for (const auto& c : cases) {
