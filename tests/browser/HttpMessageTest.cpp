@@ -11,13 +11,9 @@ namespace {
 
 TEST(HttpMessage, RequestProblems)
 {
-    const struct {
-        const char16_t* url;
-        const char16_t* method;
-        HttpHeaders headers;
-        std::string body;
-        const char* problem; // "" for a request that can be sent
-    } cases[] = {
+    // No problem: a request that can be sent.
+    const struct { const char16_t *url, *method; HttpHeaders headers; std::string body; const char* problem; }
+    cases[] = {
         {u"http://example.com/a?b=c", u"GET", {{u"X-Token", u"a b"}}, "", ""},
         {u"HTTPS://127.0.0.1:8443", u"POST", {}, "form=1", ""},
         {u"https://example.com", u"PATCH", {}, "x", ""},
@@ -55,19 +51,17 @@ TEST(HttpMessage, ResponseHeads)
     EXPECT_EQ(*findHeader(head.headers, u"x-a"), ZString(u"1"));
     EXPECT_EQ(findHeader(head.headers, u"Location"), nullptr);
 
-    EXPECT_EQ(parseResponseHead(u"HTTP/1.0 204\r\n").status, 204);
-    EXPECT_TRUE(parseResponseHead(u"HTTP/1.0 204\r\n").statusText.isEmpty());
+    const ResponseHead noReason = parseResponseHead(u"HTTP/1.0 204\r\n");
+    EXPECT_EQ(noReason.status, 204);
+    EXPECT_TRUE(noReason.statusText.isEmpty());
     EXPECT_EQ(parseResponseHead(u"").status, 0);
     EXPECT_EQ(parseResponseHead(u"Server: x\r\n").status, 0);
 }
 
 TEST(HttpMessage, BodyTextByCharset)
 {
-    const struct {
-        std::string bytes;
-        const char16_t* contentType; // null: no Content-Type
-        const char16_t* text;
-    } cases[] = {
+    // No content type: no Content-Type header.
+    const struct { std::string bytes; const char16_t* contentType, *text; } cases[] = {
         {"caf\xC3\xA9", nullptr, u"caf\u00E9"},
         {"\xEF\xBB\xBF" "a", u"text/plain", u"a"},
         {"caf\xE9", u"text/plain; charset=ISO-8859-1", u"caf\u00E9"},
@@ -88,14 +82,9 @@ TEST(HttpMessage, BodyTextByCharset)
 TEST(HttpRedirect, MethodBodyAndHeadersAfterARedirect)
 {
     const HttpHeaders sent = {{u"Content-Type", u"text/plain"}, {u"Authorization", u"Bearer t"}, {u"Cookie", u"c=1"}};
-    const struct {
-        int status;
-        const char16_t* method;
-        const char16_t* target;
-        const char16_t* method2;
-        bool bodyKept;
-        std::size_t headersKept; // of `sent`, in order
-    } cases[] = {
+    // Headers kept: how many of `sent`, in order.
+    const struct { int status; const char16_t *method, *target, *method2; bool bodyKept; std::size_t headersKept; }
+    cases[] = {
         {301, u"POST", u"http://a.test/next", u"GET", false, 2}, // Content-Type goes with the body
         {302, u"POST", u"http://a.test/next", u"GET", false, 2},
         {303, u"PUT", u"http://a.test/next", u"GET", false, 2},
@@ -126,10 +115,7 @@ TEST(HttpRedirect, MethodBodyAndHeadersAfterARedirect)
 
 TEST(HttpRedirect, Origins)
 {
-    const struct {
-        const char16_t* url;
-        const char16_t* origin;
-    } cases[] = {
+    const struct { const char16_t *url, *origin; } cases[] = {
         {u"HTTP://Example.COM/a", u"http://example.com:80"},
         {u"https://user:pw@host:8443/x?y#z", u"https://host:8443"},
         {u"https://[::1]/", u"https://[::1]:443"},

@@ -32,22 +32,11 @@ bool waitFor(Condition condition, DWORD timeoutMs = 10000)
 }
 
 // Thread ids seen by jobs, from any thread.
-class ThreadLog {
-public:
-    void add()
-    {
-        std::lock_guard<SlimLock> hold(lock_);
-        ids_.insert(GetCurrentThreadId());
-    }
-    std::set<DWORD> ids() const
-    {
-        std::lock_guard<SlimLock> hold(lock_);
-        return ids_;
-    }
-
-private:
-    mutable SlimLock lock_;
-    std::set<DWORD> ids_;
+struct ThreadLog {
+    void add() { std::lock_guard<SlimLock> hold(lock); all.insert(GetCurrentThreadId()); }
+    std::set<DWORD> ids() const { std::lock_guard<SlimLock> hold(lock); return all; }
+    mutable SlimLock lock;
+    std::set<DWORD> all;
 };
 
 void waitUntilCancelled(const Cancellation& cancellation)
@@ -55,24 +44,30 @@ void waitUntilCancelled(const Cancellation& cancellation)
     WaitForSingleObject(cancellation.event(), 10000);
 }
 
-TEST(JobRunner, CompletionsComeOnTheRunnersThreadFromBoundedWorkers)
+// A throwing job or completion ends only itself: every completion still comes, from the same workers.
+TEST(JobRunner, CompletionsComeOnTheRunnersThreadFromBoundedWorkersThrowOrNot)
 {
     JobRunner runner(3);
     ThreadLog workers;
-    std::atomic<int> running{0};
-    std::atomic<int> most{0};
+    std::atomic<int> running{0}, most{0};
     std::vector<DWORD> completionThreads;
     for (int i = 0; i < 12; ++i) {
         const JobId id = runner.post(
-            [&](const Cancellation&) {
+            [&, i](const Cancellation&) {
                 workers.add();
                 const int now = ++running;
                 most = std::max(most.load(), now);
                 waitFor([&] { return most >= 3; }, 2000); // three at once, if there are three
                 Sleep(20);                                  // long enough for a fourth to show
                 --running;
+                if (i == 0)
+                    throw std::runtime_error("work");
             },
-            [&] { completionThreads.push_back(GetCurrentThreadId()); });
+            [&, i] {
+                completionThreads.push_back(GetCurrentThreadId());
+                if (i == 1)
+                    throw std::runtime_error("completion");
+            });
         ASSERT_NE(id, 0u);
     }
     ASSERT_TRUE(pumpUntil([&] { return completionThreads.size() == 12; }, 20000));
@@ -87,14 +82,15 @@ TEST(JobRunner, CancellingAJobOrAll)
     JobRunner runner(1);
     std::vector<int> order;
     std::atomic<bool> firstStarted{false};
+    const auto finished = [&](int job) { return [&order, job] { order.push_back(job); }; };
     const JobId first = runner.post(
         [&](const Cancellation& c) {
             firstStarted = true;
             waitUntilCancelled(c);
         },
-        [&] { order.push_back(1); });
-    const JobId second = runner.post(waitUntilCancelled, [&] { order.push_back(2); });
-    const JobId third = runner.post(waitUntilCancelled, [&] { order.push_back(3); });
+        finished(1));
+    const JobId second = runner.post(waitUntilCancelled, finished(2));
+    const JobId third = runner.post(waitUntilCancelled, finished(3));
     ASSERT_TRUE(waitFor([&] { return firstStarted.load(); }));
 
     EXPECT_TRUE(runner.cancel(third)); // queued: it moves to the front
@@ -107,30 +103,11 @@ TEST(JobRunner, CancellingAJobOrAll)
     EXPECT_FALSE(runner.cancel(0));
 
     std::atomic<int> sawCancel{0};
-    int done = 0;
     for (int i = 0; i < 3; ++i)
-        runner.post(
-            [&](const Cancellation& c) {
-                waitUntilCancelled(c);
-                sawCancel += c.isCancelled();
-            },
-            [&] { ++done; });
+        runner.post([&](const Cancellation& c) { waitUntilCancelled(c); sawCancel += c.isCancelled(); }, finished(4));
     runner.cancelAll();
-    ASSERT_TRUE(pumpUntil([&] { return done == 3; }, 10000));
+    ASSERT_TRUE(pumpUntil([&] { return order.size() == 6; }, 10000));
     EXPECT_EQ(sawCancel, 3);
-}
-
-TEST(JobRunner, ThrowingClosuresEndOnlyThemselves)
-{
-    JobRunner runner(2);
-    int completions = 0;
-    runner.post([](const Cancellation&) { throw std::runtime_error("work"); }, [&] { ++completions; });
-    runner.post([](const Cancellation&) {}, [&] {
-        ++completions;
-        throw std::runtime_error("completion");
-    });
-    runner.post([](const Cancellation&) {}, [&] { ++completions; });
-    EXPECT_TRUE(pumpUntil([&] { return completions == 3; }, 10000));
 }
 
 // Once the runner goes, in a completion too, no further completion runs.
@@ -140,10 +117,7 @@ TEST(JobRunner, ACompletionMayDestroyTheRunner)
     std::atomic<int> worked{0};
     int completions = 0;
     for (int i = 0; i < 3; ++i)
-        runner->post([&](const Cancellation&) { ++worked; }, [&] {
-            ++completions;
-            runner.reset();
-        });
+        runner->post([&](const Cancellation&) { ++worked; }, [&] { ++completions; runner.reset(); });
     ASSERT_TRUE(waitFor([&] { return worked == 3; }));
     pumpUntil([&] { return completions > 0; }, 10000);
     pumpMessages(100);
@@ -151,29 +125,24 @@ TEST(JobRunner, ACompletionMayDestroyTheRunner)
     EXPECT_EQ(runner, nullptr);
 }
 
-void trickleSlowly(const ServerRequest&, ServerConnection& connection)
-{
-    connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\nConnection: close\r\n\r\n");
-    while (connection.send("x") && connection.pause(20)) {
-    }
-}
-
 // What one round of 100 requests saw: four of them running in the middle of their bodies
 // when the runner was destroyed.
 struct RoundSeen {
-    int started = 0;
-    int cancelled = 0;
-    int completions = 0;
+    int started, cancelled, completions;
     std::set<DWORD> workers;
 };
 
 RoundSeen destroyWithRequestsInFlight(const HttpClient& client)
 {
     ThreadLog workers;
-    std::atomic<int> cancelled{0};
-    std::atomic<int> started{0};
+    std::atomic<int> cancelled{0}, started{0};
     int completions = 0;
-    LoopbackServer server({{"/slow", trickleSlowly}});
+    LoopbackServer server({{"/slow", [](const ServerRequest&, ServerConnection& connection) {
+                                connection.send("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n"
+                                                "Connection: close\r\n\r\n");
+                                while (connection.send("x") && connection.pause(20)) {
+                                }
+                            }}});
     HttpRequest request;
     request.url = server.url("/slow").c_str();
     auto runner = std::make_unique<JobRunner>(4);
@@ -203,10 +172,9 @@ TEST(JobRunner, GoingWithHundredRequestsInFlightCancelsAndJoinsEverything)
     const ResourceCounts before = countResources();
 
     const RoundSeen seen = destroyWithRequestsInFlight(client);
-    EXPECT_EQ(seen.started, 4); // the other 96 never ran
-    EXPECT_EQ(seen.cancelled, 4);
-    EXPECT_EQ(seen.completions, 0);
-    EXPECT_EQ(seen.workers.size(), 4u);
+    // The other 96 never ran, and no completion did.
+    EXPECT_EQ(std::vector<int>({seen.started, seen.cancelled, seen.completions, int(seen.workers.size())}),
+              std::vector<int>({4, 4, 0, 4}));
     for (DWORD id : seen.workers)
         EXPECT_FALSE(threadRunning(id)) << "worker " << id;
     EXPECT_TRUE(pumpUntil([&] { return countThreads() == threadsBefore; }, 15000)) << countThreads() << " threads";
