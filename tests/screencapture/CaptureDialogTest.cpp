@@ -325,7 +325,6 @@ TEST_F(CaptureDialog, InAppPageLoadsTheInAppAddressOverTheBottomBarWheneverTheLa
 TEST_F(CaptureDialog, ManyDialogsWithTheInAppPageLeaveNothingBehind)
 {
     userConfig_setBool(L"feature.embeddedBrowser", true);
-    const auto oneDialog = [] { withDialog(waitForControl); };
     // The counts once unchanged for half a second: the dialog before may still be ending a request.
     const auto quiet = [] {
         std::pair<ResourceCounts, int> last{countResources(), countThreads()}, now = last;
@@ -336,10 +335,10 @@ TEST_F(CaptureDialog, ManyDialogsWithTheInAppPageLeaveNothingBehind)
         }
         return now;
     };
-    oneDialog(); // pays for what a process loads once
+    withDialog(waitForControl); // pays for what a process loads once
     const auto [before, threadsBefore] = quiet();
     for (int run = 0; run < 8; ++run)
-        oneDialog();
+        withDialog(waitForControl);
     EXPECT_EQ(countResourcesSettled(before, 5000).describe(), before.describe());
     EXPECT_EQ(countThreadsSettled(threadsBefore), threadsBefore);
     EXPECT_EQ(browser::liveComObjects(), 0);

@@ -110,10 +110,7 @@ std::vector<Shown> shownIn(xhtml::ViewTree& views)
     return shown;
 }
 
-bool overlap(const Rect& a, const Rect& b)
-{
-    return a.x < b.right() && b.x < a.right() && a.y < b.bottom() && b.y < a.bottom();
-}
+bool overlap(const Rect& a, const Rect& b) { return a.x < b.right() && b.x < a.right() && a.y < b.bottom() && b.y < a.bottom(); }
 
 std::string describe(const Shown& s)
 {
