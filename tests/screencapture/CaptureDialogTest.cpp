@@ -1,8 +1,7 @@
 // The capture dialog as the user meets it: capture(0, ...) shows it, it starts from the
-// stored choice, "start" stores the choice and runs the capture after the dialog has gone,
-// and closing it does nothing. The keyboard alone does all of it too. With the feature
-// switched on, the in-app page lies over the bottom bar, and when it cannot show a page the
-// user sees the bar as without it.
+// stored choice, "start" (by mouse or keyboard) stores the choice and runs the capture after
+// the dialog has gone, and closing it does nothing. With the feature switched on, the in-app
+// page lies over the bottom bar, and when it cannot show a page the user sees the bar as without it.
 
 #include "base/win/RegistryKey.h"
 #include "browser/ComObject.h"
@@ -38,10 +37,9 @@ std::wstring text(const wchar_t* key) { return lang_getStr(key).c_str(); }
 std::vector<HWND> children(HWND dialog, const wchar_t* className = nullptr)
 {
     std::vector<HWND> found;
-    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         if ((!className || windowClass(child) == className) && IsWindowVisible(child))
             found.push_back(child);
-    }
     return found;
 }
 
@@ -55,10 +53,12 @@ void choose(HWND combo, const std::wstring& label)
     SendMessageW(GetParent(combo), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(combo), CBN_SELCHANGE), reinterpret_cast<LPARAM>(combo));
 }
 
+void runInThisProgram() { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); }
+
 // Runs `capture` while a robot waits for the dialog, lets `act` use it, closes it unless
 // `act` started the capture, waits until it has gone and then runs `gone`.
-void withDialog(const std::function<void()>& capture, const std::function<void(HWND dialog)>& act,
-                bool close = true, const std::function<void()>& gone = [] {})
+void withDialog(const std::function<void(HWND dialog)>& act, bool close = true, const std::function<void()>& gone = [] {},
+                const std::function<void()>& capture = runInThisProgram)
 {
     UiRobot robot([&](UiRobot& r) {
         HWND dialog = r.waitForWindow(
@@ -74,14 +74,35 @@ void withDialog(const std::function<void()>& capture, const std::function<void(H
     EXPECT_EQ(robot.finish(), "");
 }
 
-// The run in this program, so that its seams can be used; the markup and images are the
-// module's resources.
-struct InThisProgram {
-    InThisProgram() { screenCapture::setModuleInstance(GetModuleHandleW(L"screencapture.dll")); }
-    ~InThisProgram() { screenCapture::setModuleInstance(nullptr); }
-};
+// The windows of this process a moment after the dialog has gone, when a capture has begun.
+size_t windowsAMomentLater()
+{
+    Sleep(400);
+    return processWindows().size();
+}
 
-using CaptureDialog = CaptureTest;
+// The tray note of the clipboard target, seen through the module's seam: when it came.
+std::vector<Clock::time_point> notes;
+
+// The run in this program, so that its seams can be used; the markup and images are the
+// module's resources. The in-app page, once switched on, loads from a port of this machine
+// that nobody listens on, so that no page can be shown (as when offline).
+class CaptureDialog : public CaptureTest {
+protected:
+    CaptureDialog()
+    {
+        screenCapture::setModuleInstance(GetModuleHandleW(L"screencapture.dll"));
+        browser::setInAppEndpoint(L"http://127.0.0.1:1");
+    }
+    ~CaptureDialog() override
+    {
+        browser::setInAppEndpoint(ZString());
+        screenCapture::trayNote = kept;
+        screenCapture::setModuleInstance(nullptr);
+    }
+    const screenCapture::TrayNote kept =
+        std::exchange(screenCapture::trayNote, [](const ZString&, const ZString&) { notes.push_back(Clock::now()); });
+};
 
 // Closing the dialog after changing the choice captures nothing and stores nothing.
 TEST_F(CaptureDialog, OpensWithTheStoredChoiceOrTheMarkupsDefaultsAndClosingChangesNothing)
@@ -104,51 +125,21 @@ TEST_F(CaptureDialog, OpensWithTheStoredChoiceOrTheMarkupsDefaultsAndClosingChan
             ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastMode", c.mode));
             ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastTarget", c.target));
         }
-        std::vector<std::wstring> shown, afterwards;
-        withDialog([] { screenCapture::capture(screenCapture::noMode, screenCapture::file); },
-                   [&](HWND dialog) {
-                       for (HWND combo : children(dialog, L"ComboBox"))
-                           shown.push_back(windowText(combo)); // a drop-down list's text is its selection
-                       choose(children(dialog, L"ComboBox").at(0), text(L"screen-capture/mode/screen"));
-                   },
-                   true, [&] {
-                       Sleep(400); // a capture would have begun by now
-                       for (HWND window : processWindows())
-                           afterwards.push_back(windowClass(window) + L" " + windowText(window));
-                   });
+        std::vector<std::wstring> shown;
+        size_t afterwards = 0;
+        withDialog(
+            [&](HWND dialog) {
+                for (HWND combo : children(dialog, L"ComboBox"))
+                    shown.push_back(windowText(combo)); // a drop-down list's text is its selection
+                choose(children(dialog, L"ComboBox").at(0), text(L"screen-capture/mode/screen"));
+            },
+            true, [&] { afterwards = windowsAMomentLater(); },
+            [] { screenCapture::capture(screenCapture::noMode, screenCapture::file); });
         EXPECT_EQ(shown, (std::vector<std::wstring>{c.shownMode, c.shownTarget})) << c.what;
-        EXPECT_TRUE(afterwards.empty()) << c.what << ": no message box, overlay or other window";
+        EXPECT_EQ(afterwards, 0u) << c.what << ": no message box, overlay or other window";
         EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", kUnwritten), c.mode) << c.what;
         EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", kUnwritten), c.target) << c.what;
     }
-}
-
-// The tray note of the clipboard target, seen through the module's seam: when it came.
-std::vector<Clock::time_point> notes;
-
-TEST_F(CaptureDialog, StartStoresTheChoiceAndCapturesAfterTheDialogHasGone)
-{
-    InThisProgram run;
-    const screenCapture::TrayNote kept = screenCapture::trayNote;
-    screenCapture::trayNote = [](const ZString&, const ZString&) { notes.push_back(Clock::now()); };
-    notes.clear();
-    Clock::time_point gone;
-    withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
-               [](HWND dialog) {
-                   const std::vector<HWND> lists = children(dialog, L"ComboBox");
-                   choose(lists.at(0), text(L"screen-capture/mode/screen"));
-                   choose(lists.at(1), text(L"screen-capture/target/copy-to-clipboard"));
-                   const std::vector<HWND> buttons = children(dialog, L"Button");
-                   if (buttons.size() != 1 || windowText(buttons[0]) != text(L"screen-capture/start"))
-                       throw RobotFailure("no start button");
-                   pressButton(dialog, GetDlgCtrlID(buttons[0]));
-               },
-               false, [&] { gone = Clock::now(); });
-    screenCapture::trayNote = kept;
-    EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", kUnwritten), 1u);
-    EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", kUnwritten), 1u);
-    ASSERT_EQ(notes.size(), 1u) << "the screen went to the clipboard";
-    EXPECT_GE(std::chrono::duration_cast<std::chrono::milliseconds>(notes[0] - gone).count(), 250);
 }
 
 // Presses a key in the dialog (from the robot) and waits until `done` holds.
@@ -159,77 +150,74 @@ void press(WORD key, const std::function<bool()>& done, const std::string& what,
         throw RobotFailure("after a key press: " + what);
 }
 
-// The keyboard alone: the focus starts on the mode list, the button is the default, Tab and
-// Shift+Tab cycle; an open list keeps Enter (which keeps the choice, here "screen") and Escape;
-// Down on the target list chooses the clipboard; then the case's Tabs and its last key.
-TEST_F(CaptureDialog, KeysChooseCycleAndStartFromAnyControlWithEnterOrCloseWithEscape)
+// The mouse: the lists' entries and the start button. The keyboard alone: the focus starts
+// on the mode list, the button is the default, Tab and Shift+Tab cycle; an open list keeps
+// Enter (which keeps the choice, here "screen") and Escape; Down on the target list chooses
+// the clipboard; then the case's Tabs and its last key. Either way "start" stores the choice
+// and the screen goes to the clipboard after the dialog has gone.
+TEST_F(CaptureDialog, MouseOrKeysChooseAndStartFromAnyControlOrCloseWithEscape)
 {
-    InThisProgram run;
-    const screenCapture::TrayNote kept = screenCapture::trayNote;
-    screenCapture::trayNote = [](const ZString&, const ZString&) {};
     const struct {
         const char* what;
         int tabs;
-        WORD last;
-    } cases[] = {{"Enter on the target list", 0, VK_RETURN},
+        WORD last; // 0: the mouse alone
+    } cases[] = {{"the mouse", 0, 0},
+                 {"Enter on the target list", 0, VK_RETURN},
                  {"Enter on the button", 1, VK_RETURN},
                  {"Enter on the mode list", 2, VK_RETURN},
                  {"Escape", 1, VK_ESCAPE}};
+    const std::wstring screen = text(L"screen-capture/mode/screen"), clipboard = text(L"screen-capture/target/copy-to-clipboard");
     for (const auto& c : cases) {
         ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastMode", 5)); // the markup's first choices
         ASSERT_TRUE(userConfig_setDword(L"screenCapture.lastTarget", 2));
         ASSERT_TRUE(putTextOnClipboard(L"before"));
-        std::vector<std::wstring> afterwards;
-        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
-                   [&](HWND dialog) {
-                       const std::vector<HWND> lists = children(dialog, L"ComboBox");
-                       const std::vector<HWND> buttons = children(dialog, L"Button");
-                       const auto focusOn = [&](HWND on) { return [=] { return focusedWindow(dialog) == on; }; };
-                       if (!pumpUntil(focusOn(lists.at(0)), 5000) || buttons.size() != 1
-                           || !(SendMessageW(buttons[0], WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON))
-                           throw RobotFailure("no focus on the mode list, or no default button");
-                       for (HWND next : {lists[1], buttons[0], lists[0]})
-                           press(VK_TAB, focusOn(next), "Tab");
-                       for (HWND previous : {buttons[0], lists[1], lists[0]})
-                           press(VK_TAB, focusOn(previous), "Shift+Tab", true);
-                       const auto open = [&] { return SendMessageW(lists[0], CB_GETDROPPEDSTATE, 0, 0) != 0; };
-                       const std::wstring screen = text(L"screen-capture/mode/screen");
-                       press(VK_F4, open, "the mode list opens");
-                       press(VK_DOWN, [&] { return windowText(lists[0]) == screen; }, "screen chosen");
-                       press(VK_RETURN, [&] { return !open(); }, "Enter closes the list");
-                       press(VK_F4, open, "the dialog is still there");
-                       press(VK_ESCAPE, [&] { return !open(); }, "Escape closes the list");
-                       press(VK_TAB, focusOn(lists[1]), "the dialog is still there");
-                       const std::wstring clipboard = text(L"screen-capture/target/copy-to-clipboard");
-                       press(VK_DOWN, [&] { return windowText(lists[1]) == clipboard; }, "clipboard chosen");
-                       for (int i = 0; i < c.tabs; ++i)
-                           pressKey(VK_TAB);
-                       pressKey(c.last);
-                   },
-                   false, [&] {
-                       Sleep(400); // the capture has begun by now
-                       for (HWND window : processWindows())
-                           afterwards.push_back(windowClass(window) + L" " + windowText(window));
-                   });
-        const bool started = c.last == VK_RETURN;
-        EXPECT_TRUE(afterwards.empty()) << c.what << ": no message box, overlay or other window";
+        notes.clear();
+        size_t afterwards = 0;
+        Clock::time_point gone;
+        withDialog(
+            [&](HWND dialog) {
+                const std::vector<HWND> lists = children(dialog, L"ComboBox"), buttons = children(dialog, L"Button");
+                const auto focusOn = [&](HWND on) { return [=] { return focusedWindow(dialog) == on; }; };
+                if (!pumpUntil(focusOn(lists.at(0)), 5000) || buttons.size() != 1
+                    || windowText(buttons[0]) != text(L"screen-capture/start")
+                    || !(SendMessageW(buttons[0], WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON))
+                    throw RobotFailure("no focus on the mode list, or no default start button");
+                if (!c.last) {
+                    choose(lists[0], screen);
+                    choose(lists[1], clipboard);
+                    return pressButton(dialog, GetDlgCtrlID(buttons[0]));
+                }
+                for (HWND next : {lists[1], buttons[0], lists[0]})
+                    press(VK_TAB, focusOn(next), "Tab");
+                for (HWND previous : {buttons[0], lists[1], lists[0]})
+                    press(VK_TAB, focusOn(previous), "Shift+Tab", true);
+                const auto open = [&] { return SendMessageW(lists[0], CB_GETDROPPEDSTATE, 0, 0) != 0; };
+                press(VK_F4, open, "the mode list opens");
+                press(VK_DOWN, [&] { return windowText(lists[0]) == screen; }, "screen chosen");
+                press(VK_RETURN, [&] { return !open(); }, "Enter closes the list");
+                press(VK_F4, open, "the dialog is still there");
+                press(VK_ESCAPE, [&] { return !open(); }, "Escape closes the list");
+                press(VK_TAB, focusOn(lists[1]), "the dialog is still there");
+                press(VK_DOWN, [&] { return windowText(lists[1]) == clipboard; }, "clipboard chosen");
+                for (int i = 0; i < c.tabs; ++i)
+                    pressKey(VK_TAB);
+                pressKey(c.last);
+            },
+            false, [&] {
+                gone = Clock::now();
+                afterwards = windowsAMomentLater();
+            });
+        const bool started = c.last != VK_ESCAPE;
+        EXPECT_EQ(afterwards, 0u) << c.what << ": no message box, overlay or other window";
         EXPECT_EQ(userConfig_getDword(L"screenCapture.lastMode", 0), started ? 1u : 5u) << c.what;
         EXPECT_EQ(userConfig_getDword(L"screenCapture.lastTarget", 0), started ? 1u : 2u) << c.what;
         EXPECT_EQ(clipboardFormats().front(), static_cast<UINT>(started ? CF_BITMAP : CF_UNICODETEXT)) << c.what;
+        ASSERT_EQ(notes.size(), started ? 1u : 0u) << c.what;
+        if (started) {
+            EXPECT_GE(std::chrono::duration_cast<std::chrono::milliseconds>(notes[0] - gone).count(), 250) << c.what;
+        }
     }
-    screenCapture::trayNote = kept;
 }
-
-// The in-app page switched on, loading from a port of this machine that nobody listens on,
-// so that no page can be shown (as when offline).
-struct InAppPageOn {
-    InAppPageOn()
-    {
-        userConfig_setBool(L"feature.embeddedBrowser", true);
-        browser::setInAppEndpoint(L"http://127.0.0.1:1");
-    }
-    ~InAppPageOn() { browser::setInAppEndpoint(ZString()); }
-};
 
 HWND browserWindow(HWND dialog) { return FindWindowExW(dialog, nullptr, L"PryxaEmbeddedBrowser", nullptr); }
 
@@ -257,8 +245,6 @@ bool comOnThisThread()
 
 TEST_F(CaptureDialog, InAppPageIsOnlyThereWhenSwitchedOnAndNeverInTheUsersWay)
 {
-    InThisProgram run;
-    InAppPageOn endpoint;
     const struct {
         const char* what;
         bool featureOn, noEmbeddedBrowser;
@@ -276,16 +262,15 @@ TEST_F(CaptureDialog, InAppPageIsOnlyThereWhenSwitchedOnAndNeverInTheUsersWay)
         oleWhileDialog = false;
         const UINT_PTR timer = SetTimer(nullptr, 0, 20, lookAtOle);
         bool hasBrowser = false, browserShown = true;
-        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); },
-                   [&](HWND dialog) {
-                       if (c.page)
-                           waitForControl(dialog);
-                       Sleep(300); // time for a failed page to do something wrong
-                       hasBrowser = browserWindow(dialog) != nullptr;
-                       browserShown = IsWindowVisible(browserWindow(dialog));
-                       if (processWindows() != std::vector<HWND>{dialog})
-                           throw RobotFailure("a window besides the dialog");
-                   });
+        withDialog([&](HWND dialog) {
+            if (c.page)
+                waitForControl(dialog);
+            Sleep(300); // time for a failed page to do something wrong
+            hasBrowser = browserWindow(dialog) != nullptr;
+            browserShown = IsWindowVisible(browserWindow(dialog));
+            if (processWindows() != std::vector<HWND>{dialog})
+                throw RobotFailure("a window besides the dialog");
+        });
         KillTimer(nullptr, timer);
         EXPECT_EQ(hasBrowser, c.page) << c.what;
         EXPECT_FALSE(browserShown) << c.what << ": the bar shows its own content";
@@ -305,8 +290,7 @@ struct NotingPage : screenCapture::InAppPage {
 
 TEST_F(CaptureDialog, InAppPageLoadsTheInAppAddressOverTheBottomBarWheneverTheLayoutChanges)
 {
-    InThisProgram run;
-    InAppPageOn on;
+    userConfig_setBool(L"feature.embeddedBrowser", true);
     const auto kept = std::exchange(screenCapture::inAppPageFactory, [](HWND) -> std::unique_ptr<screenCapture::InAppPage> {
         return std::make_unique<NotingPage>();
     });
@@ -340,11 +324,7 @@ TEST_F(CaptureDialog, InAppPageLoadsTheInAppAddressOverTheBottomBarWheneverTheLa
 // it stays.
 TEST_F(CaptureDialog, ManyDialogsWithTheInAppPageLeaveNothingBehind)
 {
-    InThisProgram run;
-    InAppPageOn on;
-    const auto oneDialog = [] {
-        withDialog([] { screenCapture::performCapture(screenCapture::noMode, screenCapture::file); }, waitForControl);
-    };
+    userConfig_setBool(L"feature.embeddedBrowser", true);
     // The counts once unchanged for half a second: the dialog before may still be ending a request.
     const auto quiet = [] {
         std::pair<ResourceCounts, int> last{countResources(), countThreads()}, now = last;
@@ -355,10 +335,10 @@ TEST_F(CaptureDialog, ManyDialogsWithTheInAppPageLeaveNothingBehind)
         }
         return now;
     };
-    oneDialog(); // pays for what a process loads once
+    withDialog(waitForControl); // pays for what a process loads once
     const auto [before, threadsBefore] = quiet();
     for (int run = 0; run < 8; ++run)
-        oneDialog();
+        withDialog(waitForControl);
     EXPECT_EQ(countResourcesSettled(before, 5000).describe(), before.describe());
     EXPECT_EQ(countThreadsSettled(threadsBefore), threadsBefore);
     EXPECT_EQ(browser::liveComObjects(), 0);

@@ -16,6 +16,7 @@
 #include "xhtml/win/ModuleResourceLoader.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace screenCapture {
@@ -32,11 +33,6 @@ protected:
 
 RECT wholeScreen() { return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)}; }
 
-bool isOutline(const PixelGrid& seen, const PixelGrid& before, int x, int y)
-{
-    return seen.at(x, y) != before.at(x, y) && !isVeiled(seen.at(x, y), before.at(x, y));
-}
-
 // How many lines across an edge of the selection do not show an outline `width` pixels wide
 // (dots or not: a wide dotted pen draws solid). `step` walks across the edge, `along` along it.
 int linesNotOfWidth(const PixelGrid& seen, const PixelGrid& before, POINT edge, POINT step, POINT along, int length,
@@ -46,8 +42,10 @@ int linesNotOfWidth(const PixelGrid& seen, const PixelGrid& before, POINT edge, 
     for (int i = 0; i < length; ++i) {
         const int x0 = edge.x + along.x * i, y0 = edge.y + along.y * i;
         int seenWidth = 0;
-        for (int d = -6; d <= 6; ++d)
-            seenWidth += isOutline(seen, before, x0 + step.x * d, y0 + step.y * d);
+        for (int d = -6; d <= 6; ++d) {
+            const uint32_t now = seen.at(x0 + step.x * d, y0 + step.y * d), was = before.at(x0 + step.x * d, y0 + step.y * d);
+            seenWidth += now != was && !isVeiled(now, was); // neither the screen as it was nor veiled
+        }
         wrong += seenWidth != width;
     }
     return wrong;
@@ -76,7 +74,6 @@ TEST_F(HighDpi, OverlayOutlineIsTwoPixelsWide)
         o.keyUp(VK_ESCAPE);
     });
     ASSERT_EQ(dragging.pixels.size(), before.pixels.size());
-    const int length = 100;
     const struct {
         const char* edge;
         POINT at, step, along;
@@ -88,7 +85,7 @@ TEST_F(HighDpi, OverlayOutlineIsTwoPixelsWide)
         {"top", {from.x + 30, from.y}, {0, 1}, {1, 0}, 1},
     };
     for (const auto& e : edges)
-        EXPECT_EQ(linesNotOfWidth(dragging, before, e.at, e.step, e.along, length, e.width), 0) << e.edge;
+        EXPECT_EQ(linesNotOfWidth(dragging, before, e.at, e.step, e.along, 100, e.width), 0) << e.edge;
 }
 
 using xhtml::Rect;
@@ -113,15 +110,12 @@ std::vector<Shown> shownIn(xhtml::ViewTree& views)
     return shown;
 }
 
-bool overlap(const Rect& a, const Rect& b)
-{
-    return a.x < b.right() && b.x < a.right() && a.y < b.bottom() && b.y < a.bottom();
-}
+bool overlap(const Rect& a, const Rect& b) { return a.x < b.right() && b.x < a.right() && a.y < b.bottom() && b.y < a.bottom(); }
 
 std::string describe(const Shown& s)
 {
-    return s.what + " " + std::to_string(s.box.x) + "," + std::to_string(s.box.y) + " " + std::to_string(s.box.width) + "x"
-           + std::to_string(s.box.height);
+    const Rect& b = s.box;
+    return s.what + " " + std::to_string(b.x) + "," + std::to_string(b.y) + " " + std::to_string(b.width) + "x" + std::to_string(b.height);
 }
 
 struct LanguageFilter : xhtml::MarkupTextFilter {
@@ -160,31 +154,23 @@ SIZE textExtent(HWND control, const std::wstring& text)
     return extent;
 }
 
-// The part of a native control where its text goes, in its client coordinates: a closed
-// drop-down list's field, or the whole client area.
-RECT textRoom(HWND control)
+// The texts of a native control (each entry of a drop-down list), and the room they have in
+// its client coordinates: a closed drop-down list's field, or the whole client area.
+std::pair<RECT, std::vector<std::wstring>> textsAndRoom(HWND control)
 {
+    RECT room = {};
+    GetClientRect(control, &room);
     COMBOBOXINFO combo = {};
     combo.cbSize = sizeof combo;
-    if (windowClass(control) == L"ComboBox" && GetComboBoxInfo(control, &combo))
-        return combo.rcItem;
-    RECT client = {};
-    GetClientRect(control, &client);
-    return client;
-}
-
-std::vector<std::wstring> textsOf(HWND control)
-{
-    if (windowClass(control) != L"ComboBox")
-        return {windowText(control)};
+    if (windowClass(control) != L"ComboBox" || !GetComboBoxInfo(control, &combo))
+        return {room, {windowText(control)}};
     std::vector<std::wstring> texts;
-    const LRESULT count = SendMessageW(control, CB_GETCOUNT, 0, 0);
-    for (LRESULT i = 0; i < count; ++i) {
+    for (LRESULT i = 0, count = SendMessageW(control, CB_GETCOUNT, 0, 0); i < count; ++i) {
         std::wstring text(static_cast<size_t>(SendMessageW(control, CB_GETLBTEXTLEN, i, 0)) + 1, L'\0');
         SendMessageW(control, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(text.data()));
         texts.push_back(text.c_str());
     }
-    return texts;
+    return {combo.rcItem, texts};
 }
 
 // The real dialog, made as the capture run makes it, without its modal loop; its markup and
@@ -243,10 +229,9 @@ TEST_F(HighDpi, CaptureDialogIsTwiceAsLargeWithNothingClippedOrOverlapping)
     }
 
     std::vector<Rect> controlBoxes;
-    dialog.views().forEach([&](View& view) {
-        if (view.kind == ViewKind::control)
-            controlBoxes.push_back(view.box);
-    });
+    for (const Shown& s : shown)
+        if (s.what == "control")
+            controlBoxes.push_back(s.box);
     std::vector<HWND> controls;
     for (HWND child = GetWindow(dialog.handle(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         controls.push_back(child);
@@ -258,8 +243,8 @@ TEST_F(HighDpi, CaptureDialogIsTwiceAsLargeWithNothingClippedOrOverlapping)
         const Rect& box = controlBoxes[i];
         EXPECT_TRUE(closed.left >= box.x && closed.top >= box.y && closed.right <= box.right() && closed.bottom <= box.bottom())
             << windowClass(controls[i]) << " outside its box";
-        const RECT room = textRoom(controls[i]);
-        for (const std::wstring& text : textsOf(controls[i])) {
+        const auto [room, texts] = textsAndRoom(controls[i]);
+        for (const std::wstring& text : texts) {
             const SIZE extent = textExtent(controls[i], text);
             EXPECT_TRUE(extent.cx <= room.right - room.left && extent.cy <= room.bottom - room.top)
                 << windowClass(controls[i]) << ": \"" << std::string(text.begin(), text.end()) << "\" " << extent.cx << "x"

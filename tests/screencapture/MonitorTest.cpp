@@ -19,23 +19,13 @@ int widthOf(const RECT& r) { return r.right - r.left; }
 int heightOf(const RECT& r) { return r.bottom - r.top; }
 RECT moved(const RECT& r, int dx, int dy) { return {r.left + dx, r.top + dy, r.right + dx, r.bottom + dy}; }
 
-BOOL CALLBACK addMonitor(HMONITOR monitor, HDC, LPRECT, LPARAM list)
-{
-    MONITORINFO info = {};
-    info.cbSize = sizeof info;
-    GetMonitorInfoW(monitor, &info);
-    reinterpret_cast<std::vector<MONITORINFO>*>(list)->push_back(info);
-    return TRUE;
-}
-
 // The part of `grid` at `area` (in grid coordinates) equals the pattern.
 void expectPattern(const PixelGrid& grid, const RECT& area, const PixelPattern& pattern)
 {
     ASSERT_TRUE(area.left >= 0 && area.top >= 0 && area.right <= grid.width && area.bottom <= grid.height);
-    for (int y = area.top; y < area.bottom; ++y) {
+    for (int y = area.top; y < area.bottom; ++y)
         for (int x = area.left; x < area.right; ++x)
             ASSERT_EQ(grid.at(x, y), pattern(x - area.left, y - area.top)) << "at " << x << "," << y;
-    }
 }
 
 // On Windows a display DC (CreateDCW(L"DISPLAY")) uses screen coordinates, as the overlay's
@@ -57,17 +47,22 @@ protected:
     {
         makeProcessDpiAware();
         std::vector<MONITORINFO> found;
-        EnumDisplayMonitors(nullptr, nullptr, addMonitor, reinterpret_cast<LPARAM>(&found));
+        const auto add = [](HMONITOR monitor, HDC, LPRECT, LPARAM list) -> BOOL {
+            MONITORINFO info = {sizeof info, {}, {}, 0};
+            GetMonitorInfoW(monitor, &info);
+            reinterpret_cast<std::vector<MONITORINFO>*>(list)->push_back(info);
+            return TRUE;
+        };
+        EnumDisplayMonitors(nullptr, nullptr, add, reinterpret_cast<LPARAM>(&found));
         ASSERT_EQ(found.size(), 2u) << "needs a display of two monitors (PRYXA_WINE_SHAPE=dual)";
         const bool firstIsPrimary = found[0].dwFlags & MONITORINFOF_PRIMARY;
         primary = found[firstIsPrimary ? 0 : 1].rcMonitor;
-        second = found[firstIsPrimary ? 1 : 0].rcMonitor;
+        const RECT second = found[firstIsPrimary ? 1 : 0].rcMonitor;
         // The monitors meet at a vertical edge, along the heights they share.
         const bool secondOnTheRight = second.left >= primary.right;
         ASSERT_TRUE(secondOnTheRight || second.right <= primary.left);
-        border = {secondOnTheRight ? primary.right : primary.left, std::max(primary.top, second.top), 0,
-                  std::min(primary.bottom, second.bottom)};
-        border.right = border.left;
+        const LONG x = secondOnTheRight ? primary.right : primary.left;
+        border = {x, std::max(primary.top, second.top), x, std::min(primary.bottom, second.bottom)};
         towardsSecond = secondOnTheRight ? 1 : -1;
     }
 
@@ -80,53 +75,37 @@ protected:
         return {x, y, x + width, y + height};
     }
 
-    RECT primary = {}, second = {}, border = {};
+    RECT primary = {}, border = {};
     int towardsSecond = 1; // +1: the second monitor lies right of the primary one
 };
 
 // screen takes the primary monitor, screenClient its work area (40 pixels shorter here),
-// whatever lies on the other monitor.
-TEST_F(TwoMonitors, ScreenModesTakeOnlyThePrimaryMonitor)
+// whatever lies on the other monitor. The screen DC spans both monitors: a captioned window
+// is taken where it lies, on the other monitor or across the border.
+TEST_F(TwoMonitors, ScreenModesTakeOnlyThePrimaryMonitorAndWindowsAreTakenWhereTheyLie)
 {
     ReservedTaskBar taskBar(primary);
-    const RECT work = taskBar.workArea();
-    const RECT onPrimary = beside(-1, 200, 150, 60);
-    auto shown = showPattern(onPrimary, gradientPattern);
     auto other = showPattern(beside(1, 200, 150, 60), calmPattern);
-
-    const std::pair<Mode, RECT> cases[] = {{screen, primary}, {screenClient, work}};
-    for (const auto& [mode, area] : cases) {
-        ScreenCapture capture(nullptr);
-        capture.grab(mode);
-        ASSERT_NE(capture.image(), nullptr) << mode;
-        const PixelGrid grid = imagePixels(*capture.image());
-        EXPECT_EQ(grid.width, widthOf(area)) << mode;
-        EXPECT_EQ(grid.height, heightOf(area)) << mode;
-        expectPattern(grid, moved(onPrimary, -area.left, -area.top), gradientPattern);
-    }
-}
-
-// The screen DC spans both monitors: a captioned window is taken where it lies, on the other
-// monitor or across the border.
-TEST_F(TwoMonitors, ActiveWindowIsTakenWhereItLies)
-{
     const struct {
         const char* where;
         Mode mode;
         RECT client;
+        const wchar_t* title;
     } cases[] = {
-        {"on the second monitor", activeWindow, beside(1, 300, 200, 80)},
-        {"across the border", activeWindowClient, moved(beside(1, 300, 200, 0), -towardsSecond * 150, 0)},
+        {"screen", screen, beside(-1, 200, 150, 60), L""},
+        {"screenClient", screenClient, beside(-1, 200, 150, 60), L""},
+        {"on the second monitor", activeWindow, beside(1, 300, 200, 80), L"Far window"},
+        {"across the border", activeWindowClient, moved(beside(1, 300, 200, 0), -towardsSecond * 150, 0), L"Far window"},
     };
     for (const auto& c : cases) {
         auto window = showPattern(c.client, gradientPattern, WS_OVERLAPPEDWINDOW, L"Far window");
         RECT frame = {};
         GetWindowRect(window->handle(), &frame);
-        const RECT area = c.mode == activeWindow ? frame : c.client;
+        const RECT area = c.mode == screen ? primary : c.mode == screenClient ? taskBar.workArea() : c.mode == activeWindow ? frame : c.client;
         ScreenCapture capture(nullptr);
         capture.grab(c.mode);
         ASSERT_NE(capture.image(), nullptr) << c.where;
-        EXPECT_EQ(capture.title(), ZString(L"Far window")) << c.where;
+        EXPECT_EQ(capture.title(), ZString(c.title)) << c.where;
         const PixelGrid grid = imagePixels(*capture.image());
         ASSERT_EQ(grid.width, widthOf(area)) << c.where;
         ASSERT_EQ(grid.height, heightOf(area)) << c.where;
@@ -177,10 +156,9 @@ TEST_F(TwoMonitors, OverlaySpansBothMonitorsAndASelectionAcrossTheBorderComesOut
         notVeiled += !isVeiled(veiled.pixels[i], before.pixels[i]);
     EXPECT_EQ(notVeiled, 0) << "pixels of the virtual screen not shown veiled";
     int wrong = 0;
-    for (int y = 0; y < picture.height; ++y) {
+    for (int y = 0; y < picture.height; ++y)
         for (int x = 0; x < picture.width; ++x)
             wrong += picture.at(x, y) != before.at(selection.left + x, selection.top + y);
-    }
     EXPECT_EQ(wrong, 0) << "pixels of the picture unlike the screen before the overlay";
 }
 
