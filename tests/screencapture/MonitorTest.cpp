@@ -47,7 +47,7 @@ protected:
     {
         makeProcessDpiAware();
         std::vector<MONITORINFO> found;
-        const auto add = [](HMONITOR monitor, HDC, LPRECT, LPARAM list) -> BOOL {
+        const auto add = [](HMONITOR monitor, HDC, LPRECT, LPARAM list) CALLBACK -> BOOL {
             MONITORINFO info = {sizeof info, {}, {}, 0};
             GetMonitorInfoW(monitor, &info);
             reinterpret_cast<std::vector<MONITORINFO>*>(list)->push_back(info);
