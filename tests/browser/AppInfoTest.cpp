@@ -22,7 +22,7 @@ TEST(AppInfo, ComesFromTheBuildTheProgramValuesTheLanguageAndTheSystemAndTheQuer
     EXPECT_EQ(utf8(unset.installer + unset.updateMode + unset.installationId + unset.userId + unset.campaignId), "");
     EXPECT_FALSE(unset.customBanner);
 
-    const RegistryKey values = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+    const RegistryKey values = env.programValues();
     for (const wchar_t* name : {L"Installer", L"UpdateMode", L"InstallationId", L"UserId", L"CampaignId"})
         values.writeString(name, ZString(name) + L"!");
     values.writeDword(L"CustomBanner", 1);

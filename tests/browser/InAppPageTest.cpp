@@ -2,7 +2,6 @@
 // companions' dialogs open modal to the dialog, suite programs start, close() hides the
 // page, fetchUrl's answers come on the page's thread, and the page's going cancels them.
 
-#include "base/win/RegistryKey.h"
 #include "browser/InAppPageFactory.h"
 #include "tests/browser/LoopbackServer.h"
 #include "tests/browser/ScriptHost.h"
@@ -40,10 +39,6 @@ protected:
         OleUninitialize();
     }
     std::wstring eval(const std::wstring& expression) { return script_->eval(expression); }
-    void setProgramValue(const wchar_t* name, const ZString& value)
-    {
-        RegistryKey::openForWriting(HKEY_CURRENT_USER, env_.registryKey() + L"\\Program").writeString(name, value);
-    }
 
     EnglishScratch env_;
     HWND dialog_ = nullptr;
@@ -78,7 +73,7 @@ TEST_F(InAppPage, OpenAppShowsTheCompanionsDialogsModalToTheDialogAndStartsTheAs
     ASSERT_TRUE(CopyFileW(helperPath.c_str(), (folder + L"\\pryxa-Assistant.exe").c_str(), FALSE));
     const ZString record = env_.folder() + L"\\started.txt";
     SetEnvironmentVariableW(L"PRYXA_RECORD_FILE", record.c_str());
-    setProgramValue(L"BinDir", folder);
+    env_.programValues().writeString(L"BinDir", folder);
     EXPECT_EQ(eval(L"external.openApp('assistant', 'profile=work')"), L"True");
     std::string started;
     pumpUntil([&] {

@@ -1,7 +1,6 @@
 // The web bridge as a page's script meets it: every call goes through Wine's JScript engine
 // and IDispatch, as from an in-app page.
 
-#include "base/win/RegistryKey.h"
 #include "browser/AppInfo.h"
 #include "browser/JobRunner.h"
 #include "browser/Json.h"
@@ -56,10 +55,6 @@ protected:
         return *script_;
     }
     std::wstring eval(const std::wstring& expression) { return script().eval(expression); }
-    void setProgramValue(const wchar_t* name, const ZString& value)
-    {
-        RegistryKey::openForWriting(HKEY_CURRENT_USER, env_.registryKey() + L"\\Program").writeString(name, value);
-    }
 
     ScratchEnvironment env_;
     RecordingHost host_;
@@ -120,7 +115,7 @@ TEST_F(WebBridgeTest, ConfigReadsAndWritesOnlyTheDialogsOwnValues)
 TEST_F(WebBridgeTest, OpenAppStartsOnlyListedProgramsFromTheProgramFolderAndOpensTheDialogs)
 {
     EXPECT_EQ(eval(L"external.openApp('assistant')"), L"False"); // no program folder configured
-    setProgramValue(L"BinDir", L"C:\\Program Files\\Pryxa");
+    env_.programValues().writeString(L"BinDir", L"C:\\Program Files\\Pryxa");
     EXPECT_EQ(eval(L"external.openApp('assistant', 'profile=work  x.y')"), L"True");
     EXPECT_EQ(eval(L"external.openApp('about')"), L"True");
     EXPECT_EQ(eval(L"external.openApp('formatOptions', '')"), L"True");
@@ -158,8 +153,8 @@ TEST_F(WebBridgeTest, GetAppInfoTellsThePageTheProgramsFactsAsJson)
                       L"\"osVersion\":\"10.0.19045\",\"osArch\":\"x64\",\"lcid\":1031,"
                       L"\"installer\":\"web \\\"beta\\\"\",\"updateMode\":\"auto\"}"));
 
-    setProgramValue(L"Installer", L"setup-web");
-    setProgramValue(L"UpdateMode", L"manual");
+    env_.programValues().writeString(L"Installer", L"setup-web");
+    env_.programValues().writeString(L"UpdateMode", L"manual");
     const browser::JsonResult answer = browser::parseJson(ZString(eval(L"external.getAppInfo()").c_str()));
     ASSERT_TRUE(answer.ok) << answer.error.toUtf8();
     const browser::AppInfo now = browser::gatherAppInfo();

@@ -78,7 +78,7 @@ TEST(FormatOptions, OpensWithTheValuesThePdfPathReadsAndOkStoresTheUsersValues)
     };
     for (const auto& c : cases) {
         EnglishScratch env;
-        const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+        const RegistryKey program = env.programValues();
         for (size_t i = 0; i < c.program.size(); ++i)
             ASSERT_TRUE(program.writeDword(kKeys[i], c.program[i]));
         std::wstring opened;

@@ -30,7 +30,7 @@ TEST(Settings, UserValuesRoundTripInEveryTypeUnderTheirOwnNameOrTheWriteSaysItFa
 TEST(Settings, ReadsTakeTheUserValueThenTheProgramValueThenTheDefault)
 {
     ScratchEnvironment env;
-    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+    const RegistryKey program = env.programValues();
     ASSERT_TRUE(program.writeDword(L"Img2PdfDpi", 300));
     ASSERT_TRUE(program.writeString(L"BinDir", L"C:\\Pryxa\\"));
     EXPECT_EQ(config_getDword(L"Img2PdfDpi", 144), 300u);

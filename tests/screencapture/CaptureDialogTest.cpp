@@ -254,7 +254,7 @@ TEST_F(CaptureDialog, InAppPageIsOnlyThereWhenSwitchedOnAndNeverInTheUsersWay)
         {"switched on", true, false, true},
         {"switched on, but NoEmbeddedBrowser", true, true, false},
     };
-    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+    const RegistryKey program = env.programValues();
     for (const auto& c : cases) {
         ASSERT_FALSE(comOnThisThread()) << c.what;
         userConfig_setBool(L"feature.embeddedBrowser", c.featureOn);

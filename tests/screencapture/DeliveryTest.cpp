@@ -264,7 +264,7 @@ bool failingConversion(const imageToPdf::ConversionOptions&, Gdiplus::Image&, zp
 TEST_F(Delivery, FailedPdfConversionTellsTheUserAndHandsNothingOn)
 {
     FakeAssistantWindow assistant(L"Pryxa_Assistent");
-    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+    const RegistryKey program = env.programValues();
     const PdfConversion gdiplusConversion = pdfConversion;
     const struct {
         PdfConversion conversion;
@@ -309,7 +309,7 @@ TEST_F(Delivery, WithoutAnyWindowTheAssistantIsStartedFromBinDir)
     const ZString binDir = env.folder() + L"\\Pryxa Bin";
     createFolderTree(binDir);
     ASSERT_TRUE(CommandRecorder::installAs(binDir + L"\\pryxa-Assistant.exe"));
-    RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program").writeString(L"BinDir", binDir);
+    env.programValues().writeString(L"BinDir", binDir);
     CommandRecorder recorder(env.folder());
     deliver(screen, pdfPrinter, capture);
 
@@ -329,7 +329,7 @@ TEST(PdfOptions, ConfiguredValuesAreReadButTheQualityIsAlwaysFull)
         return std::tuple(o.dpi, o.jpegQuality, o.passThroughJpg, o.optForA4);
     };
     EXPECT_EQ(read(), std::tuple(144, 100, true, true));
-    const RegistryKey program = RegistryKey::openForWriting(HKEY_CURRENT_USER, env.registryKey() + L"\\Program");
+    const RegistryKey program = env.programValues();
     for (const auto& [name, value] : {std::pair(L"Img2PdfDpi", 300), {L"Img2PdfJpegQuality", 40},
                                       {L"Img2PdfPassThroughJpg", 0}, {L"Img2PdfOptForA4", 0}})
         ASSERT_TRUE(program.writeDword(name, value));

@@ -6,6 +6,7 @@
 // tests never touch the user's values and do not depend on each other.
 
 #include "base/ZString.h"
+#include "base/win/RegistryKey.h"
 
 class ScratchEnvironment {
 public:
@@ -16,6 +17,11 @@ public:
 
     // Below HKEY_CURRENT_USER; user values are in its "User" subkey, program values in "Program".
     const ZString& registryKey() const { return registryKey_; }
+    // The scratch program values, open for writing (as an installer would write them).
+    RegistryKey programValues() const
+    {
+        return RegistryKey::openForWriting(HKEY_CURRENT_USER, registryKey_ + L"\\Program");
+    }
     const ZString& folder() const { return folder_; }
     // What TMP and TEMP point at.
     const ZString& tempFolder() const { return tempFolder_; }
